@@ -1,0 +1,121 @@
+// The types of settings. Numbers and switches are atomics, texts are copied out under g_parameterLock: any thread
+// may read and write each.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace skl {
+
+class Parameter {
+  public:
+    explicit Parameter(std::string parameterName) : name(std::move(parameterName)) {}
+    virtual ~Parameter() = default;
+    Parameter(const Parameter&) = delete;
+    Parameter& operator=(const Parameter&) = delete;
+    const std::string name;
+};
+
+/// What the panel knows of a control: its fixed id and place, and whether it can be used now.
+class ControlParameter {
+  public:
+    ControlParameter(int id, int left, int top) : controlId(id), left(left), top(top) {}
+    const int controlId;
+    const int left;
+    const int top;
+    std::atomic<bool> enabled{false};
+};
+
+class BoolParameter : public Parameter {
+  public:
+    BoolParameter(std::string name, bool standard) : Parameter(std::move(name)), defaultValue(standard), value(standard) {}
+    const bool defaultValue;
+    std::atomic<bool> value;
+};
+
+class IntParameter : public Parameter {
+  public:
+    IntParameter(std::string name, int32_t standard, int32_t lowest, int32_t highest)
+        : Parameter(std::move(name)), defaultValue(standard), min(lowest), max(highest), value(standard) {}
+    int32_t clamp(int64_t wanted) const { return static_cast<int32_t>(wanted < min ? min : wanted > max ? max : wanted); }
+    const int32_t defaultValue;
+    const int32_t min;
+    const int32_t max;
+    std::atomic<int32_t> value;
+};
+
+class FloatParameter : public Parameter {
+  public:
+    FloatParameter(std::string name, float standard, float lowest, float highest)
+        : Parameter(std::move(name)), defaultValue(standard), min(lowest), max(highest), value(standard) {}
+    const float defaultValue;
+    const float min;
+    const float max;
+    std::atomic<float> value;
+};
+
+class StringParameter : public Parameter {
+  public:
+    StringParameter(std::string name, std::string standard)
+        : Parameter(std::move(name)), defaultValue(standard), value_(std::move(standard)) {}
+    const std::string defaultValue;
+    std::string get() const;  ///< a copy
+    void set(std::string text);
+    bool empty() const;
+    bool operator==(const std::string& text) const;
+
+  private:
+    std::string value_;
+};
+
+class CheckParameter : public BoolParameter, public ControlParameter {
+  public:
+    CheckParameter(std::string name, bool standard, int id, int left, int top)
+        : BoolParameter(std::move(name), standard), ControlParameter(id, left, top) {}
+};
+
+/// A number out of a list. Bounds are the first and the last entry; a value between two entries is allowed.
+class ComboIntParameter : public IntParameter, public ControlParameter {
+  public:
+    ComboIntParameter(std::string name, int32_t standard, std::vector<int32_t> list, int id, int left, int top)
+        : IntParameter(std::move(name), standard, list.front(), list.back()),
+          ControlParameter(id, left, top),
+          allowed(std::move(list)) {}
+    const std::vector<int32_t> allowed;
+};
+
+class EditIntParameter : public IntParameter, public ControlParameter {
+  public:
+    EditIntParameter(std::string name, int32_t standard, int32_t lowest, int32_t highest, int id, int left, int top)
+        : IntParameter(std::move(name), standard, lowest, highest), ControlParameter(id, left, top) {}
+};
+
+class EditFloatParameter : public FloatParameter, public ControlParameter {
+  public:
+    EditFloatParameter(std::string name, float standard, float lowest, float highest, int id, int left, int top)
+        : FloatParameter(std::move(name), standard, lowest, highest), ControlParameter(id, left, top) {}
+};
+
+class EditStringParameter : public StringParameter, public ControlParameter {
+  public:
+    EditStringParameter(std::string name, std::string standard, int id, int left, int top)
+        : StringParameter(std::move(name), std::move(standard)), ControlParameter(id, left, top) {}
+};
+
+class ComboStringParameter : public StringParameter, public ControlParameter {
+  public:
+    ComboStringParameter(std::string name, std::string standard, std::vector<std::string> list, int id, int left, int top)
+        : StringParameter(std::move(name), std::move(standard)), ControlParameter(id, left, top), allowed(std::move(list)) {}
+    const std::vector<std::string> allowed;
+};
+
+/// A push button: a caption and no value.
+class ButtonParameter : public ControlParameter {
+  public:
+    ButtonParameter(std::string text, int id, int left, int top) : ControlParameter(id, left, top), caption(std::move(text)) {}
+    const std::string caption;
+};
+
+}  // namespace skl

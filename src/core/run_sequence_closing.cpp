@@ -1,0 +1,139 @@
+// The end of a run: threads and links closed, what does not outlive it forgotten, and what comes next.
+#include <fmt/format.h>
+
+#include "core/clock.h"
+#include "core/locks.h"
+#include "core/log.h"
+#include "core/messages.h"
+#include "core/parameter_store.h"
+#include "core/parameters.h"
+#include "core/run_sequence.h"
+#include "core/run_state.h"
+#include "core/supervisor.h"
+#include "core/text.h"
+#include "engine/engine.h"
+#include "engine/engine_state.h"
+#include "feed/feed.h"
+#include "liveries/catalogue.h"
+#include "panel/panel_state.h"
+#include "panel/requests.h"
+#include "panel/traffic_range.h"
+#include "simlink/session.h"
+
+namespace skl {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+/// The error stays on the panel until the user closes the program or gives the setting that was wrong.
+void holdError() {
+    g_holdingError = true;
+    gf_waitUntil(Nanos::max(), [] { return g_userClosing || g_exitReason == ExitReason::newSettings; });
+    g_holdingError = false;
+    if (g_userClosing) gf_log(fmt::format("User closed {}", programName));
+}
+
+void clearText(EditStringParameter& parameter) {
+    parameter.set("");
+    gf_saveParameter(parameter);
+}
+
+bool restartWanted() {
+    if (g_userClosing) return false;
+    const ExitReason reason = g_exitReason;
+    return reason == ExitReason::newSettings || reason == ExitReason::simConnectError ||
+           reason == ExitReason::readerError;
+}
+
+void prepareRestart() {
+    {
+        LockGuard guard(g_panelLock);
+        g_panel.errorText.clear();
+    }
+    gf_clearMessage();
+    gf_showMessage("Prepare for a restart ...", false);
+    gf_log("Prepare for a restart ...");
+    if (g_exitReason == ExitReason::newSettings) return;
+    // A restart after an error never scans again.
+    for (auto* scan : {&SCAN_LIVERIES, &SCAN_AIRPORTS}) {
+        scan->value = false;
+        gf_saveParameter(*scan);
+    }
+}
+
+void sayNewFlight() {
+    const std::string text =
+        fmt::format("New flight detected, {} will close, please restart manually ...", programName);
+    gf_showMessage(text, false);
+    gf_log(text);
+    gf_waitUntil(gf_steadyNow() + std::chrono::seconds(10), [] { return g_userClosing.load(); });
+}
+
+void closeRun() {
+    gf_log(fmt::format("Exiting: {}", gf_exitReasonText(g_exitReason)));
+    {
+        LockGuard guard(g_trafficLock);
+        g_acceptTraffic = false;
+    }
+    lf_endThreads();
+    gf_closeLink();
+    if (g_exitReason == ExitReason::systemError && !g_userClosing) holdError();
+    liveryMemory.clear();
+    clearText(DESTINATION);
+    clearText(BLOCK_CALLSIGN);
+    gf_deleteObjectList();
+    gf_logMatchSummary();
+    gf_clearUncreatable();
+    g_restartPending = restartWanted();
+    if (g_restartPending) {
+        prepareRestart();
+        lf_restartCountdown();
+        g_restartPending = lf_resetForRestart();
+    } else if (g_exitReason == ExitReason::newFlight) {
+        sayNewFlight();
+    }
+}
+
+}  // namespace
+
+void lf_closingDown() {
+    try {
+        closeRun();
+    } catch (const std::exception& error) {
+        const std::string text = fmt::format("{} exception {}", "lf_closingDown", error.what());
+        gf_showMessage(text, false);
+        gf_log(text);
+        g_restartPending = false;
+        gf_waitUntil(Nanos::max(), [] { return g_userClosing.load(); });
+    }
+    if (g_restartPending)
+        gf_postStartRun();
+    else
+        gf_postEndProcess();
+}
+
+void lf_restartCountdown() {
+    const int32_t seconds = g_restartSeconds;
+    if (seconds < 1) return;
+    gf_log(fmt::format("Restarting after {} seconds\n\n\n\n\n", seconds));
+    for (int32_t left = seconds; left > 0; --left) {
+        gf_showMessage(fmt::format("Restarting after {} second{}", left, gf_plural(static_cast<uint64_t>(left))),
+                       false);
+        if (gf_waitUntil(gf_steadyNow() + std::chrono::seconds(1), [] { return g_userClosing.load(); })) return;
+    }
+}
+
+bool lf_resetForRestart() {
+    if (!gf_resetRunState(true)) return false;
+    gf_resetFeed();
+    rtLevel2 = false;
+    gf_resetSimLink();
+    gf_resetEngine();
+    gf_resetPanel();
+    gf_resetRequests();
+    gf_applyRange(RANGE.value);
+    return true;
+}
+
+}  // namespace skl

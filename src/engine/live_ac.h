@@ -1,0 +1,165 @@
+// The engine's nouns: one timed point, what every aircraft has, a live aircraft, and the messages of the simulator
+// side. Angles are radians and distances nautical miles unless a name says otherwise; times are ticks of 10 ms.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <deque>
+#include <limits>
+#include <optional>
+#include <string>
+
+#include "core/geodesy.h"
+#include "core/run_state.h"
+#include "liveries/livery_ref.h"
+#include "liveries/reference_db.h"
+
+namespace skl {
+
+inline constexpr int32_t ticksPerSecond = 100;
+/// Live aircraft have transponder ids above this, static ones at or below it.
+inline constexpr uint32_t highestStaticId = 10000;
+
+enum class FlightStage { pushing_back, pushed_back, taxi, take_off, flying, parking, parked, birth };
+enum class SimObjectState { buffer, adding2sim, active, liveryrespawn, removingfromsim };
+/// The words of log lines.
+const char* gf_stageWord(FlightStage stage);
+const char* gf_stateWord(SimObjectState state);
+
+/// One time-stamped point of a flight.
+struct LivePos {
+    double lat = 0, lon = 0;  ///< degrees
+    double alt = 0;           ///< feet; 0 for a report on the ground
+    double speed = 0;         ///< over ground, knots
+    double track = 0;         ///< degrees true
+    double vs = 0;            ///< feet per minute
+    double tas = 0;           ///< knots
+    int32_t time = 0;         ///< tick at which the object should be here
+    bool airborne = false;
+    bool stopped = false;  ///< no motion between the point before this one and this one; set by the engine
+    bool hasTrueHeading = false;
+    std::optional<double> roll;         ///< radians, the feed's with the sign turned
+    std::optional<double> trueHeading;  ///< radians
+
+    LaLo pos() const { return {lat, lon}; }
+};
+
+/// What a live and a statically parked aircraft have in common.
+struct AcBase {
+    std::string airline;  ///< ICAO code; "PVT" for a private aircraft
+    std::string model;    ///< ICAO type
+    std::string origin, destination;
+    std::string callsign;  ///< a trailing "_" marks a ghost, "*" a static aircraft
+    std::string coupledIn, coupledOut;
+    std::string regcode;
+    bool coupledSearched = false;
+    double halfSpanNm = 0;
+    double staticCgFt = 0;   ///< the simulator's static height of the centre of gravity
+    double staticPitch = 0;  ///< the simulator's static pitch
+    double rotatePitch = 0, climbPitch = 0;
+    double groundTurnRate = 0;  ///< radians per tick
+    double turnRate = 0;        ///< the rate in force, radians per tick
+    double maxClimbPerTick = 0, slowSpeed = 0;
+    uint32_t hexid = 0;
+    AcCategory category = AcCategory::Light;
+    LiveryRef title;  ///< empty until matched
+    int32_t flareTicks = 0, touchdownTicks = 0, rotateTicks = 0, climbPitchTicks = 0;
+    bool cargo = false;
+    bool isFsltl = false;
+    uint32_t objectId = 0;
+    LaLo standPos;
+    double standHeading = 0;
+    WeekSlot parkedAt;
+    uint32_t standId = 0;
+    SimObjectState simState = SimObjectState::buffer;
+    uint32_t throttleIdx = 5;
+    uint32_t flapsIdx = 4;
+    bool standCargo = false;
+    bool removeWhenCreated = false;
+    bool eraseNow = false, eraseFromQueue = false;
+};
+
+struct GroundCurve {
+    double fromT = std::numeric_limits<double>::quiet_NaN();
+    double toT = std::numeric_limits<double>::quiet_NaN();
+    LaLo control{std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN()};
+    LaLo start, end;
+    bool set() const { return !std::isnan(control.lat); }
+};
+
+struct LiveAc : AcBase {
+    double simLat = 0, simLon = 0;                        ///< degrees
+    double simPitch = 0, simBank = 0, simHeading = 0;     ///< radians
+    double simAlt = 0;                                    ///< feet
+    double simVs = 0;                                     ///< feet per second
+    double simTas = 0;                                    ///< knots
+    std::deque<LivePos> stream;                           ///< front: the point being flown to
+    double lastFeedTime = 0;                              ///< seconds
+    double checkedLat = 0, checkedLon = 0;
+    uint64_t parkedSince = 0;  ///< steady clock, 100 ns
+    int32_t predictLeft = 0;   ///< predicted points still to come; 0 none running, -1 exhausted
+    int32_t holdStart = 0;
+    FlightStage stage = FlightStage::birth, prevStage = FlightStage::birth;
+    bool parkedMoving = false;
+    bool onGround = false;
+    bool hasFlightPlan = false;
+    bool nearUser = false;
+    bool holding = false;
+    double dLat = 0, dLon = 0;                  ///< degrees per tick
+    double dPitch = 0, dBank = 0, dHeading = 0;  ///< radians per tick
+    double dAlt = 0;                            ///< feet per tick
+    double vsFpm = 0, tasKn = 0;                ///< of the segment being flown
+    GroundCurve curve;
+    double curveT = 0, curveStep = 0, curveAngle = 0;
+    LivePos pushSidePoint;
+    double lastParkLat = 0, lastParkLon = 0;
+    int32_t maxEarly = 1000, maxLate = 1000;  ///< the slack, ticks
+    int32_t groundCount = 1, pushCount = 0;
+    uint32_t awayCount = 0;
+    double targetHeading = 0;
+    double agl = 2500.0;  ///< feet, by the simulator; known below 2500 only
+    double fieldHeight = 0, touchdownHeading = 0;
+    double pushedDistance = 0, standDistFirst = 0, standDistLast = 0;
+    double headingError = 0;
+    std::optional<double> respawnHeading;
+    std::optional<bool> pushTurnRight;
+    std::optional<double> fieldElev;
+    int32_t flareState = 0;
+    bool landing = false, landed = false, towed = false, climbCleaned = false, departing = false;
+    bool lightsHigh = false, lightsLow = false;
+    bool derotating = false, rollout = false;
+    bool leaveStand = false;
+    bool turningOnGround = false;
+    int32_t addingSince = 0;          ///< tick at which the creation request went out
+    int32_t implausibleReports = 0;   ///< reports in a row that no flight could have reached
+
+    LaLo simPos() const { return {simLat, simLon}; }
+};
+
+/// Changes the stage and keeps the one before it; setting the stage that holds already changes nothing.
+void gf_setStage(LiveAc& record, FlightStage stage);
+
+/// From the SimConnect side to the engine.
+struct SimMsg {
+    uint32_t objectId = 0;
+    uint32_t hexid = 0;   ///< or the on-ground flag for kind 3
+    int32_t counter = 0;  ///< used while the object waits for its activation
+    uint32_t kind = 0;    ///< one of the constants below
+    double a = 0, b = 0;
+};
+inline constexpr uint32_t msgLiveIdentified = 0;    ///< b: height above ground, feet
+inline constexpr uint32_t msgStaticIdentified = 1;
+inline constexpr uint32_t msgObjectRemoved = 2;
+inline constexpr uint32_t msgHeight = 3;            ///< a: ground altitude, b: height above ground, feet
+inline constexpr uint32_t msgStaticData = 4;        ///< a: static height of the centre of gravity, feet; b: pitch
+inline constexpr uint32_t msgRefused = 6;           ///< the simulator will not create this title
+inline constexpr uint32_t msgNotCreated = 7;        ///< no room or no answer: the title is not to blame
+
+/// Texts that name an aircraft in log lines.
+std::string gf_shortForm(const AcBase& record);     ///< "{:3} {:4}" of airline and model
+std::string gf_routeText(const AcBase& record);     ///< "{:3}->{:3}", or eight blanks
+std::string gf_longForm(const AcBase& record);      ///< "{} {:8} {}" of padded callsign, registration and route
+std::string gf_description(const AcBase& record);   ///< long form and short form
+std::string gf_identityText(const AcBase& record);  ///< padded callsign, registration and short form
+
+}  // namespace skl

@@ -1,0 +1,15 @@
+// The once-a-second counts of the panel.
+#include "engine/engine_state.h"
+#include "panel/panel_state.h"
+
+namespace skl {
+
+void lf_updateCounts() {
+    gf_countEngine();
+    uint64_t flying = 0;
+    for (const LiveAc& record : liveAcs)
+        if (record.simState == SimObjectState::active && record.stage != FlightStage::parked) ++flying;
+    if (g_panel.liveCount.exchange(flying) != flying) gf_invalidate(Band::status);
+}
+
+}  // namespace skl

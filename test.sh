@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and runs all tests. Another preset as the first argument: debug (the default),
+# release, asan-ubsan, tsan.
+set -euo pipefail
+cd "$(dirname "$0")"
+preset=${1:-debug}
+tools/install_packages.sh
+cmake --preset "$preset" >/dev/null
+cmake --build --preset "$preset"
+ctest --preset "$preset"

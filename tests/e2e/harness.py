@@ -1,0 +1,150 @@
+"""Whole processes in a world of their own: the program, the simulator and RealTraffic stand-ins.
+
+A scenario runs in a network of its own where the system allows that, since the program's ports are fixed; elsewhere
+the scenarios run one after the other. Everything waits for what it wants to see, with a limit, never for a time.
+"""
+import json
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+PATIENCE = float(os.environ.get("SKYLANTERN_TEST_PATIENCE", "60"))
+
+
+class Failure(Exception):
+    pass
+
+
+class Process:
+    """A child process with its output in a file."""
+
+    def __init__(self, name, command, folder, env):
+        self.name = name
+        self.output_path = folder / f"{name}.out"
+        self.output = open(self.output_path, "wb")
+        self.child = subprocess.Popen(command, cwd=folder, env=env, stdout=self.output, stderr=subprocess.STDOUT)
+
+    def text(self):
+        return self.output_path.read_text(errors="replace")
+
+    def signal(self, number=signal.SIGTERM):
+        self.child.send_signal(number)
+
+    def wait(self, limit=PATIENCE):
+        try:
+            return self.child.wait(limit)
+        except subprocess.TimeoutExpired:
+            raise Failure(f"{self.name} does not end; its last output:\n{self.text()[-2000:]}")
+
+    def running(self):
+        return self.child.poll() is None
+
+    def report(self):
+        """The JSON object that a stand-in prints at its end."""
+        for line in reversed(self.text().splitlines()):
+            if line.startswith("{"):
+                return json.loads(line)
+        raise Failure(f"{self.name} printed no report:\n{self.text()[-2000:]}")
+
+
+class World:
+    """A folder to run in, a home, an installed simulator with liveries, and the processes started so far."""
+
+    def __init__(self, build, real_traffic=True, parameters=None, sim="2020", scan=True):
+        self.build = pathlib.Path(build)
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="skl-"))
+        self.run_folder = self.folder / "run"
+        shutil.copytree(self.build / "stage", self.run_folder)
+        self.config = self.folder / "config"
+        self.config.mkdir()
+        self.env = dict(os.environ, XDG_CONFIG_HOME=str(self.config), XDG_DATA_HOME=str(self.folder / "data"),
+                        XDG_RUNTIME_DIR=str(self.folder), HOME=str(self.folder))
+        if real_traffic:
+            (self.config / "InsideSystems").mkdir()
+            (self.config / "InsideSystems" / "RealTraffic.jar").touch()
+        self.packages = self.folder / "packages"
+        subprocess.run(["python3", str(ROOT / "demo" / "make_community.py"), str(self.packages)], check=True,
+                       stdout=subprocess.DEVNULL)
+        self.settings = {"MSFS_INSTALL_PATH": str(self.packages), "MSFS_2024_INSTALL_PATH": str(self.packages),
+                         "SIM_CHOICE": f"MSFS {sim}", "AUTO_RANGE": "false", "SCAN_AIRPORTS": "false",
+                         "PROGRAM_VERSION": "11.0.3"}
+        self.settings.update(parameters or {})
+        self.write_parameters()
+        self.processes = []
+
+    def write_parameters(self):
+        folder = self.config / "Skylantern"
+        folder.mkdir(exist_ok=True)
+        rows = "".join(f'\t<parameter name="{n}" value="{v}" />\n' for n, v in self.settings.items())
+        (folder / "parameters.xml").write_text(f'<?xml version="1.0"?>\n<parameters>\n{rows}</parameters>\n')
+
+    def parameters_text(self):
+        return (self.config / "Skylantern" / "parameters.xml").read_text()
+
+    def start(self, name, command):
+        process = Process(name, [str(c) for c in command], self.run_folder, self.env)
+        self.processes.append(process)
+        return process
+
+    def program(self, name="skylantern"):
+        return self.start(name, [self.run_folder / "skylantern"])
+
+    def simulator(self, *options, script=None, name="simulator"):
+        command = [self.build / "simulator", "--port", "2048", "--lat", "51.4706", "--lon", "-0.4619", "--alt", "83",
+                   "--on-ground", "1", "--elevation", "80", *options]
+        if script:
+            path = self.folder / f"{name}.script"
+            path.write_text(script)
+            command += ["--script", path]
+        process = self.start(name, command)
+        self.wait_for(lambda: "listening" in process.text(), f"{name} listens")
+        return process
+
+    def real_traffic(self, feed, *options, script=None, name="realtraffic"):
+        command = [self.build / "realtraffic", "--feed", feed, *options]
+        if script:
+            path = self.folder / f"{name}.script"
+            path.write_text(script)
+            command += ["--script", path]
+        return self.start(name, command)
+
+    def log(self):
+        try:
+            return (self.run_folder / "Log.txt").read_text(errors="replace")
+        except FileNotFoundError:
+            return ""
+
+    def wait_for(self, condition, what, limit=PATIENCE):
+        end = time.monotonic() + limit
+        while time.monotonic() < end:
+            if condition():
+                return
+            time.sleep(0.05)
+        outputs = "\n".join(f"--- {p.name}\n{p.text()[-1500:]}" for p in self.processes)
+        raise Failure(f"in vain: {what}\n--- log\n{self.log()[-3000:]}\n{outputs}")
+
+    def wait_for_log(self, text, count=1, limit=PATIENCE):
+        self.wait_for(lambda: self.log().count(text) >= count, f"log line {text!r}, {count} times", limit)
+
+    def check(self, condition, what):
+        if not condition:
+            raise Failure(f"{what}\n--- log\n{self.log()[-3000:]}")
+
+    def check_clean(self):
+        """Nothing half-written and no temporary data is left behind."""
+        left = [p for p in self.run_folder.rglob("*") if p.suffix in (".tmp", ".new", ".part") or p.name == "dbase.xml"]
+        left += [p for p in self.config.rglob("*") if p.is_file() and p.name not in ("parameters.xml", "RealTraffic.jar")]
+        self.check(not left, f"files left behind: {left}")
+
+    def end(self):
+        for process in self.processes:
+            if process.running():
+                process.signal(signal.SIGKILL)
+                process.child.wait()
+            process.output.close()
+        shutil.rmtree(self.folder, ignore_errors=True)

@@ -1,0 +1,102 @@
+#include "tests/support/stepped_world.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace skl::test {
+
+class SteppedWorld::Handle : public RunningTask {
+  public:
+    Handle(SteppedWorld& world, std::shared_ptr<Entry> entry) : world_(world), entry_(std::move(entry)) {}
+    ~Handle() override { join(); }
+    void join() override {
+        const Nanos patience = world_.steadyNow() + std::chrono::seconds(60);
+        if (!world_.waitUntil(patience, [this] { return entry_->ended; }))
+            throw std::runtime_error("task " + entry_->name + " does not end");
+    }
+
+  private:
+    SteppedWorld& world_;
+    std::shared_ptr<Entry> entry_;
+};
+
+SteppedWorld::SteppedWorld(int64_t utcSeconds) : utcStart_(std::chrono::seconds(utcSeconds)) {
+    gf_setClock(this);
+    gf_setTaskRunner(this);
+}
+
+SteppedWorld::~SteppedWorld() {
+    gf_setTaskRunner(nullptr);
+    gf_setClock(nullptr);
+}
+
+std::unique_ptr<RunningTask> SteppedWorld::start(std::string name, std::shared_ptr<Task> task) {
+    auto entry = std::make_shared<Entry>();
+    entry->name = std::move(name);
+    entry->task = std::move(task);
+    entry->next = now_;
+    entries_.push_back(entry);
+    return std::make_unique<Handle>(*this, entry);
+}
+
+void SteppedWorld::at(double seconds, std::function<void()> action) {
+    actions_.push_back({toNanos(seconds), Nanos(0), std::move(action)});
+}
+
+void SteppedWorld::every(double seconds, std::function<void()> action) {
+    actions_.push_back({now_ + toNanos(seconds), toNanos(seconds), std::move(action)});
+}
+
+int SteppedWorld::liveTasks() const {
+    return static_cast<int>(std::count_if(entries_.begin(), entries_.end(), [](auto& e) { return !e->ended; }));
+}
+
+Nanos SteppedWorld::nextEvent(Nanos limit) const {
+    Nanos next = limit;
+    for (const auto& entry : entries_)
+        if (!entry->ended && !entry->running) next = std::min(next, std::max(entry->next, now_ + Nanos(1)));
+    for (const auto& action : actions_) next = std::min(next, std::max(action.when, now_ + Nanos(1)));
+    return next;
+}
+
+void SteppedWorld::runDue() {
+    for (size_t i = 0; i < actions_.size();) {
+        if (actions_[i].when > now_) {
+            ++i;
+            continue;
+        }
+        auto run = actions_[i].run;
+        if (actions_[i].repeat.count() > 0) {
+            actions_[i].when += actions_[i].repeat;
+            ++i;
+        } else {
+            actions_.erase(actions_.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+        run();
+    }
+    const auto entries = entries_;  // a step may start a task
+    for (const auto& entry : entries) {
+        if (entry->ended || entry->running || entry->next > now_) continue;
+        entry->running = true;
+        const auto pause = entry->task->step(std::chrono::milliseconds(0));
+        entry->running = false;
+        entry->ended = !pause;
+        // A task that would have blocked in its step comes again after a moment.
+        if (pause) entry->next = now_ + std::max(*pause, Nanos(std::chrono::milliseconds(1)));
+    }
+    std::erase_if(entries_, [](const auto& entry) { return entry->ended; });
+}
+
+bool SteppedWorld::waitUntil(Nanos deadline, const std::function<bool()>& done) {
+    for (;;) {
+        if (done && done()) return true;
+        if (now_ >= deadline) return false;
+        if (now_ >= limit_) throw std::runtime_error("the scenario takes too long");
+        const Nanos look = done ? now_ + std::chrono::milliseconds(20) : deadline;
+        now_ = nextEvent(std::min({deadline, look, limit_}));
+        runDue();
+    }
+}
+
+}  // namespace skl::test

@@ -1,0 +1,33 @@
+// A fixture with a working folder and user folders of its own, removed afterwards. The folder's name is free of the
+// words that the livery scan skips.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace skl::test {
+
+class TempFolderTest : public ::testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+    std::filesystem::path root;  ///< the working folder during the test
+
+  private:
+    std::filesystem::path before_;
+};
+
+/// Writes bytes as they are, making the folders on the way.
+void writeFile(const std::filesystem::path& path, std::string_view bytes);
+std::string readFile(const std::filesystem::path& path);
+/// The lines of Log.txt so far, and whether one holds a text.
+std::vector<std::string> logLines();
+bool logHas(std::string_view text);
+/// How many lines of the log hold a text.
+int logCount(std::string_view text);
+
+}  // namespace skl::test

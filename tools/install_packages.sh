@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Installs what building and testing need, from Debian's packages, where it is missing.
+set -euo pipefail
+
+packages=(g++ cmake ninja-build ccache pkg-config python3
+          libfmt-dev nlohmann-json3-dev libpugixml-dev libsodium-dev libgtest-dev libbenchmark-dev)
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+echo "installing: ${missing[*]}"
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+export DEBIAN_FRONTEND=noninteractive
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
