@@ -1,4 +1,5 @@
-// Where everything lives. Paths are relative to the working folder, the one that holds `docs`, unless said otherwise.
+// Where everything lives. Paths are relative to the working folder, the one that holds `docs`, unless said
+// otherwise.
 #pragma once
 
 #include <atomic>
@@ -38,14 +39,21 @@ inline constexpr std::string_view official = "Official";
 inline constexpr std::string_view official2024 = "Official2024";
 }  // namespace paths
 
-extern std::atomic<bool> sim2020;  ///< SIM_CHOICE is "MSFS 2020"; set once a run, behind the reading of parameters
-std::string_view gf_simKey();      ///< "MSFS" or "MSFS2024", by sim2020
+extern std::atomic<bool>
+    sim2020;  ///< SIM_CHOICE is "MSFS 2020"; set once a run, behind the reading of parameters
+std::string_view gf_simKey();  ///< "MSFS" or "MSFS2024", by sim2020
 
 /// The user's roaming and local application data folders; empty, with a log line, if there is none.
 fs::path gf_appDataPath();
 fs::path gf_localAppDataPath();
 /// The program's folder under the roaming application data; parameters.xml lives there.
 fs::path gf_programDataPath();
+
+/// A path out of a text that may have been written on another system: both separators are understood.
+fs::path gf_nativePath(std::string_view text);
+/// `path` if it exists, else the only existing path that equals it without case (ASCII), else `path` as it
+/// is.
+fs::path gf_findExisting(const fs::path& path);
 
 /// Makes the folder tree and removes stale files. Throws std::filesystem::filesystem_error.
 void gf_ensureFolders();
@@ -55,7 +63,7 @@ void gf_stripCommunity();
 fs::path gf_detectInstallPath();
 /// The parameter that holds the selected simulator's packages folder.
 class StringParameter& gf_installPathParameter();
-/// The packages folder plus `subPath`; the community folder by gf_simPath(paths::community).
+/// The packages folder plus `subPath` (found without case if need be), e.g. gf_simPath(paths::community).
 fs::path gf_simPath(std::string_view subPath);
 
 /// Writes (replacing, in one step) or appends a text, with LF if `newLine`; false if that fails.
@@ -63,7 +71,7 @@ bool gf_writeText(std::string_view text, const fs::path& path, bool newLine, boo
 /// Removes every file in the folder. Throws UserErrorException 5.
 void gf_cleanFolder(const fs::path& folder);
 int gf_countEntries(const fs::path& folder);
-/// The names with extension .XML, in any case, in airports/my_thirdparty.
+/// The names with extension .XML, in any case, in airports/my_thirdparty, sorted.
 std::vector<std::string> gf_listAirportFiles();
 
 }  // namespace skl

@@ -1,5 +1,5 @@
-// The types of settings. Numbers and switches are atomics, texts are copied out under g_parameterLock: any thread
-// may read and write each.
+// The types of settings. Numbers and switches are atomics, texts are copied out under g_parameterLock: any
+// thread may read and write each.
 #pragma once
 
 #include <atomic>
@@ -21,7 +21,7 @@ class Parameter {
 /// What the panel knows of a control: its fixed id and place, and whether it can be used now.
 class ControlParameter {
   public:
-    ControlParameter(int id, int left, int top) : controlId(id), left(left), top(top) {}
+    ControlParameter(int id, int x, int y) : controlId(id), left(x), top(y) {}
     const int controlId;
     const int left;
     const int top;
@@ -30,16 +30,19 @@ class ControlParameter {
 
 class BoolParameter : public Parameter {
   public:
-    BoolParameter(std::string name, bool standard) : Parameter(std::move(name)), defaultValue(standard), value(standard) {}
+    BoolParameter(std::string key, bool standard)
+        : Parameter(std::move(key)), defaultValue(standard), value(standard) {}
     const bool defaultValue;
     std::atomic<bool> value;
 };
 
 class IntParameter : public Parameter {
   public:
-    IntParameter(std::string name, int32_t standard, int32_t lowest, int32_t highest)
-        : Parameter(std::move(name)), defaultValue(standard), min(lowest), max(highest), value(standard) {}
-    int32_t clamp(int64_t wanted) const { return static_cast<int32_t>(wanted < min ? min : wanted > max ? max : wanted); }
+    IntParameter(std::string key, int32_t standard, int32_t lowest, int32_t highest)
+        : Parameter(std::move(key)), defaultValue(standard), min(lowest), max(highest), value(standard) {}
+    int32_t clamp(int64_t wanted) const {
+        return static_cast<int32_t>(wanted < min ? min : wanted > max ? max : wanted);
+    }
     const int32_t defaultValue;
     const int32_t min;
     const int32_t max;
@@ -48,8 +51,8 @@ class IntParameter : public Parameter {
 
 class FloatParameter : public Parameter {
   public:
-    FloatParameter(std::string name, float standard, float lowest, float highest)
-        : Parameter(std::move(name)), defaultValue(standard), min(lowest), max(highest), value(standard) {}
+    FloatParameter(std::string key, float standard, float lowest, float highest)
+        : Parameter(std::move(key)), defaultValue(standard), min(lowest), max(highest), value(standard) {}
     const float defaultValue;
     const float min;
     const float max;
@@ -58,8 +61,8 @@ class FloatParameter : public Parameter {
 
 class StringParameter : public Parameter {
   public:
-    StringParameter(std::string name, std::string standard)
-        : Parameter(std::move(name)), defaultValue(standard), value_(std::move(standard)) {}
+    StringParameter(std::string key, std::string standard)
+        : Parameter(std::move(key)), defaultValue(standard), value_(std::move(standard)) {}
     const std::string defaultValue;
     std::string get() const;  ///< a copy
     void set(std::string text);
@@ -72,49 +75,53 @@ class StringParameter : public Parameter {
 
 class CheckParameter : public BoolParameter, public ControlParameter {
   public:
-    CheckParameter(std::string name, bool standard, int id, int left, int top)
-        : BoolParameter(std::move(name), standard), ControlParameter(id, left, top) {}
+    CheckParameter(std::string key, bool standard, int id, int x, int y)
+        : BoolParameter(std::move(key), standard), ControlParameter(id, x, y) {}
 };
 
 /// A number out of a list. Bounds are the first and the last entry; a value between two entries is allowed.
 class ComboIntParameter : public IntParameter, public ControlParameter {
   public:
-    ComboIntParameter(std::string name, int32_t standard, std::vector<int32_t> list, int id, int left, int top)
-        : IntParameter(std::move(name), standard, list.front(), list.back()),
-          ControlParameter(id, left, top),
+    ComboIntParameter(std::string key, int32_t standard, std::vector<int32_t> list, int id, int x, int y)
+        : IntParameter(std::move(key), standard, list.front(), list.back()),
+          ControlParameter(id, x, y),
           allowed(std::move(list)) {}
     const std::vector<int32_t> allowed;
 };
 
 class EditIntParameter : public IntParameter, public ControlParameter {
   public:
-    EditIntParameter(std::string name, int32_t standard, int32_t lowest, int32_t highest, int id, int left, int top)
-        : IntParameter(std::move(name), standard, lowest, highest), ControlParameter(id, left, top) {}
+    EditIntParameter(std::string key, int32_t standard, int32_t lowest, int32_t highest, int id, int x, int y)
+        : IntParameter(std::move(key), standard, lowest, highest), ControlParameter(id, x, y) {}
 };
 
 class EditFloatParameter : public FloatParameter, public ControlParameter {
   public:
-    EditFloatParameter(std::string name, float standard, float lowest, float highest, int id, int left, int top)
-        : FloatParameter(std::move(name), standard, lowest, highest), ControlParameter(id, left, top) {}
+    EditFloatParameter(std::string key, float standard, float lowest, float highest, int id, int x, int y)
+        : FloatParameter(std::move(key), standard, lowest, highest), ControlParameter(id, x, y) {}
 };
 
 class EditStringParameter : public StringParameter, public ControlParameter {
   public:
-    EditStringParameter(std::string name, std::string standard, int id, int left, int top)
-        : StringParameter(std::move(name), std::move(standard)), ControlParameter(id, left, top) {}
+    EditStringParameter(std::string key, std::string standard, int id, int x, int y)
+        : StringParameter(std::move(key), std::move(standard)), ControlParameter(id, x, y) {}
 };
 
 class ComboStringParameter : public StringParameter, public ControlParameter {
   public:
-    ComboStringParameter(std::string name, std::string standard, std::vector<std::string> list, int id, int left, int top)
-        : StringParameter(std::move(name), std::move(standard)), ControlParameter(id, left, top), allowed(std::move(list)) {}
+    ComboStringParameter(std::string key, std::string standard, std::vector<std::string> list, int id, int x,
+                         int y)
+        : StringParameter(std::move(key), std::move(standard)),
+          ControlParameter(id, x, y),
+          allowed(std::move(list)) {}
     const std::vector<std::string> allowed;
 };
 
 /// A push button: a caption and no value.
 class ButtonParameter : public ControlParameter {
   public:
-    ButtonParameter(std::string text, int id, int left, int top) : ControlParameter(id, left, top), caption(std::move(text)) {}
+    ButtonParameter(std::string text, int id, int x, int y)
+        : ControlParameter(id, x, y), caption(std::move(text)) {}
     const std::string caption;
 };
 

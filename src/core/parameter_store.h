@@ -1,5 +1,6 @@
-// parameters.xml: one element a setting, read at each start of a run, written one setting at a time. A missing or
-// broken file gives the defaults and is written anew. Any thread; the file is guarded by g_parameterLock.
+// parameters.xml: one element a setting, read at each start of a run, written one setting at a time. A
+// missing or broken file gives the defaults and is written anew. Any thread; the file is guarded by
+// g_parameterLock.
 #pragma once
 
 #include <pugixml.hpp>
@@ -23,8 +24,8 @@ struct ParameterLists {
 };
 const ParameterLists& gf_parameterLists();
 
-void gf_readParameters(const BoolList& list1, const BoolList& list2, const IntList& list3, const IntList& list4,
-                       const StringList& list5, const StringList& list6);
+void gf_readParameters(const BoolList& list1, const BoolList& list2, const IntList& list3,
+                       const IntList& list4, const StringList& list5, const StringList& list6);
 void gf_migrateParameters();
 void gf_saveParameter(const BoolParameter& parameter);
 void gf_saveParameter(const IntParameter& parameter);

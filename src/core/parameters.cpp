@@ -2,6 +2,8 @@
 // begins; the lists are built when they are first asked for.
 #include "core/parameters.h"
 
+#include <type_traits>
+
 #include "core/locks.h"
 #include "core/parameter_store.h"
 
@@ -121,12 +123,10 @@ void disable(Parameter& parameter) {
 
 template <class SomeParameter>
 void resetOne(SomeParameter& parameter) {
-    parameter.value = parameter.defaultValue;
-    disable(parameter);
-}
-
-void resetOne(StringParameter& parameter) {
-    parameter.set(parameter.defaultValue);
+    if constexpr (std::is_base_of_v<StringParameter, SomeParameter>)
+        parameter.set(parameter.defaultValue);
+    else
+        parameter.value = parameter.defaultValue;
     disable(parameter);
 }
 

@@ -15,6 +15,7 @@
 #include "core/parameter_store.h"
 #include "core/parameters.h"
 #include "core/run_state.h"
+#include "core/text.h"
 #include "engine/engine_state.h"
 #include "feed/feed.h"
 #include "liveries/catalogue.h"
@@ -79,7 +80,7 @@ void lf_prepareRun() {
     if (!dbaseRead) dbaseRead = gf_readDbase();
     settleInstallPath();
     findRealTraffic();
-    savedRange = RANGE.value;
+    savedRange = RANGE.value.load();
     gf_applyRange(RANGE.value);
 }
 
@@ -112,6 +113,10 @@ void lf_run() {
     } catch (const UserErrorException& error) {
         gf_showError(error.what());
         gf_forceSystemError();
+    } catch (const fmt::format_error& error) {
+        gf_showError(gf_currentExceptionText());
+        gf_showError(error.what());
+        gf_requestStop(ExitReason::systemError, 0);
     } catch (const std::exception&) {
         gf_showError(gf_currentExceptionText());
         gf_requestStop(ExitReason::systemError, 0);

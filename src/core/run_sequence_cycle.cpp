@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include "core/clock.h"
+#include "core/folders.h"
 #include "core/locks.h"
 #include "core/log.h"
 #include "core/messages.h"

@@ -37,6 +37,8 @@ struct EngineCounters {
     std::atomic<uint32_t> byStage[8]{};
 };
 extern EngineCounters engineCounters;
+/// Counts the table by state and stage into engineCounters; once a second.
+void gf_countEngine();
 
 /// Reserves the working tables at the start of a run.
 void gf_reserveEngine();

@@ -1,4 +1,5 @@
-// The traffic feed as the rest of the program sees it: the link to RealTraffic, the two readers, their values.
+// The traffic feed as the rest of the program sees it: the link to RealTraffic, the two readers, their
+// values.
 #pragma once
 
 #include <atomic>
@@ -18,8 +19,8 @@ inline constexpr uint16_t qnhPort = 49004;
 
 extern std::atomic<bool> g_realTrafficHere;  ///< RealTraffic is installed on this PC
 extern std::atomic<bool> rtConnected;        ///< the client socket is up
-extern std::atomic<bool> rtLevel2;           ///< RealTraffic reported level 2: the feed's time is the program's clock
-extern std::atomic<int32_t> qnh;             ///< hectopascals, 1013 until told
+extern std::atomic<bool> rtLevel2;  ///< RealTraffic reported level 2: the feed's time is the program's clock
+extern std::atomic<int32_t> qnh;    ///< hectopascals, 1013 until told
 
 // --- the link; worker thread only
 /// Listens for RealTraffic. Throws std::runtime_error.
@@ -36,6 +37,8 @@ void gf_sendPosition();
 void gf_sendSimTime(int64_t seconds);
 /// The end of a run: "exit" to a connected client, both sockets closed, rtConnected cleared.
 void gf_closeLink();
+/// Whether records may be taken: no link is needed, or it is up.
+bool gf_linkAllowsTraffic();
 
 // --- the readers
 /// The bodies of the two reader threads; a stop is seen within the 1 s that a receive may wait.
@@ -46,7 +49,8 @@ void gf_updateReaderLamps();
 bool gf_anyReaderStale();
 /// The centre of the range filter, degrees.
 void gf_setFilterPos(LaLo position);
-/// The airport in sight as the ground filter needs it: its position and elevation (feet); nothing while there is none.
+/// The airport in sight as the ground filter needs it: its position and elevation (feet); nothing while there
+/// is none.
 struct GroundReference {
     LaLo position;
     double elevationFt = 0;
@@ -57,10 +61,12 @@ double gf_feedTimestamp();
 /// Values back to the start, as after the loss of the link.
 void gf_resetFeed();
 
-/// What became of the datagrams, since the process started.
+/// What became of the traffic datagrams, since the process started. All that arrive count as datagrams; a
+/// tail too long counts under noIdentity, a rejected category under notAircraft.
 struct FeedCounters {
-    std::atomic<uint64_t> datagrams{0}, queued{0}, vehicles{0}, outOfRange{0}, noModel{0}, notAircraft{0}, noIdentity{0},
-        staticIds{0}, blockedNames{0}, ground{0}, notAccepting{0}, badRecords{0}, duplicates{0}, oversized{0};
+    std::atomic<uint64_t> datagrams{0}, queued{0}, vehicles{0}, outOfRange{0}, noModel{0}, notAircraft{0},
+        noIdentity{0}, staticIds{0}, blockedNames{0}, ground{0}, notAccepting{0}, badRecords{0},
+        duplicates{0}, oversized{0};
 };
 extern FeedCounters feedCounters;
 

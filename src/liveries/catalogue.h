@@ -1,8 +1,8 @@
 // The livery catalogue: filled once a start-up, constant during a flight. Worker thread.
 #pragma once
 
-#include <atomic>
 #include <array>
+#include <atomic>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -24,9 +24,9 @@ extern StringMap<StringMap<std::vector<CatalogueTitle>>> liveriesByAirline;  ///
 extern StringMap<StringMap<TitleList>> titlesByAirlineType[2];               ///< [1] cargo
 extern StringMap<TitleList> titlesByType[2];
 extern std::vector<std::string> typesLight, typesBuzjet, typesRotorcraft;
-extern StringMap<LiveryRef> regcodeToTitle;  ///< registrations with a livery of their own
-extern std::vector<LiveryRef> specialTitles;
-extern std::vector<LiveryRef> uncreatableTitles;  ///< refused by the simulator in this run
+extern StringMap<LiveryRef> regcodeToTitle;       ///< registrations with a livery of their own
+extern std::vector<LiveryRef> specialTitles;      ///< to be filled by gf_addSpecialTitle
+extern std::vector<LiveryRef> uncreatableTitles;  ///< refused in this run; filled by gf_addUncreatable
 extern StringSet uncreatableKeys;                 ///< type, blank, airline of each
 extern StringMap<std::vector<std::string>> similarAvailable;
 extern StringMap<StringMap<std::vector<std::string>>> similarByAirline;
@@ -35,7 +35,8 @@ extern std::atomic<bool> catalogueLoaded;
 extern std::atomic<bool> clearCatalogueRequested;  ///< the panel asks the worker to read the liveries afresh
 
 // --- start-up
-/// Scans or loads, by SCAN_LIVERIES. Throws UserErrorException. After a stop it returns with the switch still on.
+/// Scans or loads, by SCAN_LIVERIES. Throws UserErrorException. After a stop it returns with the switch still
+/// on.
 void gf_startLiveries();
 void gf_loadCatalogue();
 /// Empties all tables; every holder of a title has to be empty before.
@@ -47,6 +48,8 @@ void gf_reserveCatalogue();
 void gf_matchLiveLivery(LiveAc& record);
 /// Likewise for a statically parked aircraft; `standCargo` and `standName` are those of its stand.
 bool gf_matchStaticLivery(AcBase& record, bool standCargo, std::string_view standName);
+/// Keeps a livery from being picked for aircraft other than those that it is made for.
+void gf_addSpecialTitle(LiveryRef title);
 bool gf_isUncreatable(LiveryRef title);
 /// Notes a refusal; gives the number of titles refused in this run.
 size_t gf_addUncreatable(LiveryRef title, const std::string& key);

@@ -14,7 +14,8 @@ namespace skl::net {
 
 using Millis = std::chrono::milliseconds;
 
-/// What a call that can fail at several steps reports: the step's name ("socket", "bind", ...) and the error.
+/// What a call that can fail at several steps reports: the step's name ("startup", "getaddrinfo", "socket",
+/// "ioctlsocket", "setsockopt", "bind", "listen") and the error.
 struct NetError {
     std::string step;
     int code = 0;
@@ -28,6 +29,7 @@ class UdpSocket {
     /// Bytes of one datagram (cut to the buffer), 0 for an empty one, -1 on failure.
     virtual int receive(std::span<char> buffer) = 0;
     virtual int lastError() const = 0;
+    virtual uint16_t port() const = 0;  ///< the one it is bound to
 };
 
 class TcpConnection {
@@ -76,6 +78,8 @@ class Network {
 
 /// The network in force: the system's unless a test has set its own.
 Network& network();
+/// The system's own, whatever a test has set.
+Network& systemNetwork();
 void setNetwork(Network* network);
 
 }  // namespace skl::net

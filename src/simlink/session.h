@@ -14,7 +14,8 @@ namespace skl {
 extern std::unique_ptr<SimConnect> simHandle;  ///< under g_simLock; null while closed
 extern std::atomic<float> frameRate;           ///< frames a second, sampled every 30 frames; 0 at first
 
-/// The body of the SimConnect thread; ends when `stop` is set or the run stops. It closes the session on every way out.
+/// The body of the SimConnect thread; ends when `stop` is set or the run stops. It closes the session on
+/// every way out.
 std::shared_ptr<Task> gf_simTask(std::shared_ptr<std::atomic<bool>> stop);
 /// What every failed request calls: no more requests in this run, which ends with simConnectError.
 void gf_simFailed();

@@ -22,11 +22,12 @@ struct UserRecord {
     LaLo pos() const { return {lat, lon}; }
 };
 
-extern UserRecord simUser;     ///< under g_simLock; written by the SimConnect thread
-extern UserRecord engineUser;  ///< the worker's copy, taken once a second
+extern UserRecord simUser;                  ///< under g_simLock; written by the SimConnect thread
+extern UserRecord engineUser;               ///< the worker's copy, taken once a second
 extern std::atomic<uint32_t> userObjectId;  ///< objects at or below it are not ours
 extern std::atomic<bool> userOnGround, userOnGroundKnown;
-extern std::atomic<int64_t> simEpoch;  ///< the simulator's UTC, seconds since 1970; kept while rtLevel2 is set
+extern std::atomic<int64_t>
+    simEpoch;  ///< the simulator's UTC, seconds since 1970; kept while rtLevel2 is set
 extern std::atomic<double> userHalfSpanNm;  ///< 0 while not known
 extern std::atomic<AcCategory> userCategory;
 
@@ -35,5 +36,10 @@ void gf_requestUser(UserRecord& record);
 void gf_requestUserNames();
 /// A reply about one object, on the SimConnect thread. Throws UserErrorException 73.
 void lf_dataReply(const SimRecv& message);
+/// Seconds since 1970 of a day of a year of the Gregorian calendar; nothing for numbers that are no date at
+/// all.
+std::optional<int64_t> lf_epochOf(int64_t year, int64_t dayOfYear, int64_t seconds);
+/// The values of a run's start.
+void lf_resetUser();
 
 }  // namespace skl

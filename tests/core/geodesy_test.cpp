@@ -12,7 +12,8 @@ TEST(Geodesy, DistanceBearingAndDestinationAgree) {
             for (const double nm : {0.01, 1.0, 40.0}) {
                 const LaLo end = destinationPoint(start, bearing, nm * feetPerNm);
                 EXPECT_NEAR(gf_distanceNm(start, end), nm, 1e-6 * nm + 1e-7);
-                if (start.lat < 80) EXPECT_NEAR(angleDiff(bearingRad(start, end), bearing), 0, 1e-4);
+                // Near a pole a bearing changes within the distance.
+                EXPECT_NEAR(angleDiff(bearingRad(start, end), bearing), 0, start.lat < 80 ? 1e-4 : 7);
                 EXPECT_LE(std::abs(end.lon), 180);
             }
 }

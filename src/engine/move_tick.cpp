@@ -1,0 +1,66 @@
+// One tick of motion: additions only, whatever needs trigonometry was worked out when the segment began.
+#include <algorithm>
+#include <cmath>
+
+#include "engine/update_cycle.h"
+
+namespace skl {
+
+namespace {
+
+constexpr double lowestFlarePitch = toRad(-4.0);
+constexpr double turnDeadBand = toRad(0.5);
+
+bool drivesOnGround(FlightStage stage) {
+    return stage == FlightStage::pushing_back || stage == FlightStage::pushed_back ||
+           stage == FlightStage::taxi || stage == FlightStage::parking;
+}
+
+void moveLaterally(LiveAc& record) {
+    if (drivesOnGround(record.stage)) {
+        if (record.stage == FlightStage::parking || record.turningOnGround)
+            lf_turnTowards(record, record.targetHeading);
+        if (record.stage == FlightStage::pushed_back) return;
+    } else {
+        record.simHeading = normalizeRad(record.simHeading + record.dHeading);
+    }
+    record.simLat += record.dLat;
+    record.simLon += record.dLon;
+}
+
+void moveVertically(LiveAc& record) {
+    if (record.flareState != 0) {
+        record.simBank = std::clamp(record.simBank + record.dBank, -pi, pi);
+        record.simPitch = std::max(record.simPitch + record.dPitch, lowestFlarePitch);
+        record.simAlt += record.dAlt;
+    } else if (record.onGround) {
+        // The height follows the simulator's reports of the ground.
+        record.simPitch = record.staticPitch;
+        record.simBank = 0;
+    } else {
+        record.simBank += record.dBank;
+        record.simPitch += record.dPitch;
+        record.simAlt += record.dAlt;
+    }
+}
+
+}  // namespace
+
+void lf_turnTowards(LiveAc& record, double target) {
+    const double difference = angleDiff(normalizeRad(target), record.simHeading);
+    if (std::abs(difference) <= turnDeadBand) return;
+    const double step = std::clamp(difference, -record.turnRate, record.turnRate);
+    record.simHeading = normalizeRad(record.simHeading + step);
+}
+
+void lf_moveOneTick(LiveAc& record) {
+    moveLaterally(record);
+    moveVertically(record);
+    if (record.simLat > 90 || record.simLat < -90) {
+        record.simLat = (record.simLat > 90 ? 180.0 : -180.0) - record.simLat;
+        record.simLon += 180;
+    }
+    record.simLon = wrapLon(record.simLon);
+}
+
+}  // namespace skl

@@ -1,0 +1,77 @@
+// How an aircraft goes, whatever it is doing, and how the creation of one is called back.
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/locks.h"
+#include "core/log.h"
+#include "core/parameters.h"
+#include "engine/engine.h"
+#include "engine/engine_state.h"
+#include "engine/live_table.h"
+#include "engine/spawning.h"
+#include "panel/panel_state.h"
+
+namespace skl {
+
+bool lf_withdrawCreation(uint32_t hexid) {
+    // By hexid: two aircraft may share the callsign that becomes the tail number.
+    const auto isIts = [hexid](const CreateRequest& request) { return request.hexid == hexid; };
+    return std::erase(addingStack, hexid) + std::erase_if(creationQueueLive, isIts) +
+               std::erase_if(creationQueueStatic, isIts) >
+           0;
+}
+
+void lf_queueRemoval(uint32_t objectId) {
+    // A second removal of one object fails, and a failed request ends the run.
+    if (std::find(removalQueue.begin(), removalQueue.end(), objectId) == removalQueue.end())
+        removalQueue.push_back(objectId);
+}
+
+bool lf_forgetWatched(uint32_t objectId) {
+    if (objectId == 0 || objectId != watchedObjectId) return false;
+    watchedObjectId = 0;
+    gf_setPanelText(&PanelState::objectIdText, "", Band::options);
+    return true;
+}
+
+void removeAircraftFromSim(AcBase& record) {
+    switch (record.simState) {
+        case SimObjectState::buffer:
+            record.eraseNow = true;
+            return;
+        case SimObjectState::removingfromsim:
+            return;
+        case SimObjectState::adding2sim:
+            if (record.removeWhenCreated) return;
+            if (lf_withdrawCreation(record.hexid))
+                record.eraseFromQueue = true;
+            else
+                record.removeWhenCreated = true;
+            return;
+        case SimObjectState::liveryrespawn:
+            // Its object is on the way out already.
+            record.simState = SimObjectState::removingfromsim;
+            return;
+        case SimObjectState::active:
+            break;
+    }
+    record.simState = SimObjectState::removingfromsim;
+    if (lf_forgetWatched(record.objectId)) CALLSIGN_2_OBJECTID.set("");
+    if (record.objectId != 0) {
+        lf_queueRemoval(record.objectId);
+        return;
+    }
+    gf_log(fmt::format("{} removing act {}, with objectid=0 ?", "removeAircraftFromSim",
+                       gf_description(record)));
+    record.eraseNow = true;  // no object, so no message that it has gone
+}
+
+void gf_clearSky() {
+    for (LiveAc& record : liveAcs) removeAircraftFromSim(record);
+    lf_sweepLive();
+    LockGuard guard(g_trafficLock);
+    trafficInbox.clear();
+}
+
+}  // namespace skl

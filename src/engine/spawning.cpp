@@ -1,0 +1,98 @@
+// The spawn itself: which livery, which first stage, which first pose.
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/log.h"
+#include "engine/engine_state.h"
+#include "engine/spawning.h"
+#include "liveries/catalogue.h"
+
+namespace skl {
+
+namespace {
+
+constexpr double groundPitch = 0.010471975511965976;  // 0.6 degrees nose down
+
+void normaliseStops(std::deque<LivePos>& stream) {
+    LivePos& front = stream[0];
+    LivePos& next = stream[1];
+    front.stopped = next.stopped;
+    if (!next.stopped) return;
+    front.speed = next.speed = 0;
+    if (stream.size() > 2 && stream[2].stopped) stream[2].speed = 0;
+}
+
+/// An aircraft that comes back has the livery that it had.
+bool remembered(LiveAc& record) {
+    const auto found = liveryMemory.find(record.hexid);
+    if (found == liveryMemory.end()) return false;
+    if (gf_isUncreatable(found->second)) {
+        liveryMemory.erase(found);
+        return false;
+    }
+    record.title = found->second;
+    record.isFsltl = record.title.find("FSLTL_") != LiveryRef::npos;
+    return true;
+}
+
+bool chooseLivery(LiveAc& record) {
+    if (!record.title.empty() || remembered(record)) return true;
+    gf_matchLiveLivery(record);
+    if (record.title.empty()) {
+        if (!record.regcode.empty()) unmatchedKeys.insert(lf_unmatchedKey(record));
+        record.eraseNow = true;
+        return false;
+    }
+    liveryMemory[record.hexid] = record.title;
+    return true;
+}
+
+/// Nose up with the climb, a degree less than level flight with a steep descent; radians.
+double airPitch(double vs) {
+    const double counted = vs > 0 ? std::min(vs, 2400.0) : std::max(vs, -3000.0) / 2;
+    return toRad(-3 - counted / 600 * 2.2);
+}
+
+double firstHeading(const LiveAc& record) {
+    if (record.respawnHeading) return *record.respawnHeading;
+    if (record.stage == FlightStage::parked) return record.standHeading;
+    const LivePos& front = record.stream[0];
+    return record.stream[1].stopped ? toRad(front.track) : bearingRad(front.pos(), record.stream[1].pos());
+}
+
+void takeFirstPose(LiveAc& record) {
+    const LivePos& front = record.stream.front();
+    record.simLat = front.lat;
+    record.simLon = front.lon;
+    record.simAlt = front.alt;
+    record.simVs = front.vs / 60;
+    record.simTas = front.tas;
+    record.simPitch = front.airborne ? airPitch(front.vs) : groundPitch;
+    record.simBank = front.roll.value_or(0);
+    record.simHeading = normalizeRad(firstHeading(record));
+}
+
+}  // namespace
+
+void spawnLiveAc(LiveAc& record) {
+    if (record.stream.size() < 2) {
+        gf_log(fmt::format("{} sz:{}", "spawnLiveAc", record.stream.size()));
+        return;
+    }
+    normaliseStops(record.stream);
+    if (record.stage == FlightStage::birth) {
+        if (!chooseLivery(record)) return;
+        gf_setStage(record, record.stream.front().airborne ? FlightStage::flying : FlightStage::taxi);
+    }
+    if (record.eraseNow) return;
+    if (std::find(newAcList.begin(), newAcList.end(), record.hexid) == newAcList.end())
+        newAcList.push_back(record.hexid);
+    takeFirstPose(record);
+    record.nearUser = false;
+    record.simState = SimObjectState::adding2sim;
+    record.addingSince = 0;
+    addingStack.push_back(record.hexid);
+}
+
+}  // namespace skl

@@ -1,0 +1,159 @@
+// The tick half of the motion core: what one aircraft does in one tick, and how its segments follow each
+// other.
+#include <fmt/format.h>
+
+#include <cmath>
+#include <stdexcept>
+
+#include "core/log.h"
+#include "engine/air_segment.h"
+#include "engine/engine.h"
+#include "engine/slack.h"
+#include "engine/spawning.h"
+#include "engine/update_cycle.h"
+
+namespace skl {
+
+std::vector<PosEntry> posWriteSide;
+
+namespace {
+
+constexpr double settlingPerTick = -0.1;  // feet: 600 feet a minute
+
+void logTickFailure(std::string_view where, const LiveAc& record) {
+    std::string text;
+    try {
+        throw;
+    } catch (const std::exception& e) {
+        text = e.what();
+    } catch (...) {
+        text = "unknown exception";
+    }
+    gf_logError(fmt::format("{}: {} {}, sz:{}, fs:{}, st:{}", where, text, gf_description(record),
+                            record.stream.size(), gf_stageWord(record.stage), gf_stateWord(record.simState)));
+}
+
+/// A helicopter whose reports stand on the ground while it still flies comes straight down.
+bool settles(const LiveAc& record, const LivePos& point) {
+    return record.category == AcCategory::Rotorcraft && !record.onGround && point.stopped && !point.airborne;
+}
+
+void standStill(LiveAc& record, const LivePos& next) {
+    record.dLat = 0;
+    record.dLon = 0;
+    if (settles(record, next)) {
+        record.dAlt = settlingPerTick;
+        record.vsFpm = settlingPerTick * 60 * ticksPerSecond;
+        record.dPitch = 0;
+        record.dBank = 0;
+    }
+    if (!record.rollout && !record.departing) lf_decaySlack(record);
+}
+
+void requireFiniteMotion(const LiveAc& record) {
+    // A sum is finite only if all its terms are.
+    const double sum = record.dLat + record.dLon + record.dAlt + record.dPitch + record.dBank +
+                       record.dHeading + record.vsFpm + record.tasKn + record.targetHeading;
+    if (!std::isfinite(sum)) throw std::range_error("motion is not finite");
+}
+
+void nextSegmentOrRemoval(LiveAc& record) {
+    for (;;) {
+        if (record.stream.size() >= 2) {
+            if (record.onGround || !record.stream[1].stopped || record.category == AcCategory::Rotorcraft) {
+                lf_nextSegment(record);
+                return;
+            }
+            record.stream.erase(record.stream.begin() + 1);
+        } else if (!lf_extendStream(record)) {
+            removeAircraftFromSim(record);
+            return;
+        }
+    }
+}
+
+void queuePose(LiveAc& record) {
+    if (record.objectId == 0) {
+        gf_log(fmt::format("{} objectid=0? hexid: {},cs:{}, reg:{}, aimo:{} sz:{}", "updateLiveAc",
+                           record.hexid, record.callsign, record.regcode, gf_shortForm(record),
+                           record.stream.size()));
+        removeAircraftFromSim(record);
+        return;
+    }
+    posWriteSide.push_back({record.simLat, record.simLon, record.simPitch, record.simBank, record.simHeading,
+                            record.simAlt, record.simVs, record.simTas, record.objectId});
+}
+
+void tickActive(LiveAc& record) {
+    if (record.stream.empty()) {
+        gf_log(fmt::format(
+            "{} stream empty ? {}, hexid:{}, objectid:{}, alt:{:.0f} ft, lalo:{:.6f},{:.6f}, TAS:{:.0f}",
+            "updateLiveAc", gf_description(record), record.hexid, record.objectId, record.simAlt,
+            record.simLat, record.simLon, record.simTas));
+        removeAircraftFromSim(record);
+        return;
+    }
+    if (engineTick >= record.stream.front().time) {
+        try {
+            nextPosMain(record);
+        } catch (...) {
+            return;  // it has told and removed already
+        }
+        record.simVs = record.vsFpm / 60;
+        record.simTas = record.stream.front().stopped ? 0 : record.tasKn;
+    }
+    if (record.simState != SimObjectState::active) return;
+    const LivePos& target = record.stream.front();
+    if (!target.stopped || settles(record, target)) lf_moveOneTick(record);
+    queuePose(record);
+}
+
+}  // namespace
+
+bool lf_samePlace(LaLo a, LaLo b, double degrees) {
+    return std::abs(a.lat - b.lat) <= degrees && std::abs(wrapLon(a.lon - b.lon)) <= degrees;
+}
+
+bool updateLiveAc(LiveAc& record) {
+    try {
+        if (record.simState == SimObjectState::buffer)
+            lf_handleBuffer(record);
+        else if (record.simState == SimObjectState::active)
+            tickActive(record);
+    } catch (...) {
+        logTickFailure("updateLiveAc", record);
+    }
+    return record.eraseNow || record.eraseFromQueue;
+}
+
+void nextPosMain(LiveAc& record) {
+    try {
+        nextSegmentOrRemoval(record);
+    } catch (...) {
+        logTickFailure("nextPosMain", record);
+        throw;
+    }
+}
+
+void lf_nextSegment(LiveAc& record) {
+    record.curve = {};
+    record.curveT = 0;
+    record.dHeading = 0;
+    if (LivePos& next = record.stream[1]; !next.stopped) {
+        next.stopped = lf_samePlace(next.pos(), record.stream.front().pos());
+        if (!next.stopped) record.targetHeading = bearingRad(record.stream.front().pos(), next.pos());
+    }
+    if (!record.onGround) lf_timeAirSegment(record);
+    if (LivePos& next = record.stream[1]; next.stopped) {
+        standStill(record, next);
+    } else {
+        lf_aimAtNext(record);
+        if (!record.onGround) lf_setupAirSegment(record, next);
+    }
+    requireFiniteMotion(record);
+    // The shortest segment is flown to its end too.
+    record.stream[1].time = engineTick + lf_segmentTicks(record);
+    record.stream.pop_front();
+}
+
+}  // namespace skl

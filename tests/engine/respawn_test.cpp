@@ -1,0 +1,254 @@
+#include <functional>
+
+#include "core/parameters.h"
+#include "engine/engine.h"
+#include "engine/engine_state.h"
+#include "engine/spawning.h"
+#include "liveries/catalogue.h"
+#include "liveries/reference_db.h"
+#include "parking/park_airport.h"
+#include "tests/support/engine_world.h"
+
+namespace skl {
+namespace {
+
+using test::anyHexid;
+using test::EngineTest;
+using Respawn = EngineTest;
+using State = SimObjectState;
+
+TEST_F(Respawn, TheStreamGoesOnFromThePresentPose) {
+    engineTick = 500;
+    LiveAc& it = active(anyHexid, "BAW12", 1001);
+    it.simLat = 51.002;
+    it.simAlt = 29000;
+    it.simBank = 0.1;
+    it.simHeading = 1.25;
+    liveryRespawn(it);
+    ASSERT_EQ(it.stream.size(), 3u);
+    EXPECT_EQ(it.stream[0].lat, 51.002);
+    EXPECT_EQ(it.stream[0].alt, 29000);
+    EXPECT_EQ(it.stream[0].roll, 0.1);
+    EXPECT_EQ(it.stream[0].time, 501);
+    EXPECT_FALSE(it.stream[1].stopped);
+    EXPECT_EQ(it.respawnHeading, 1.25);
+    EXPECT_EQ(removalQueue, (std::deque<uint32_t>{1001}));
+    it.throttleIdx = it.flapsIdx = 1;
+    lf_objectRemoved(1001);
+    EXPECT_EQ(it.simState, State::buffer);
+    EXPECT_EQ(it.throttleIdx, 5u);
+    EXPECT_EQ(it.flapsIdx, 4u);
+    EXPECT_EQ(it.objectId, 0u);
+    lf_handleBuffer(it);
+    EXPECT_EQ(it.simState, State::adding2sim);
+    EXPECT_EQ(it.simHeading, 1.25);
+    EXPECT_EQ(it.title, "A320 BAW");
+}
+
+TEST_F(Respawn, AParkedAircraftComesBackAsItStood) {
+    LiveAc& it = active(anyHexid, "BAW12", 1001);
+    it.stage = FlightStage::parked;
+    it.simHeading = pi / 2;
+    it.stream = {test::groundPoint({51, 1}, 0), test::groundPoint({51, 1}, 0), test::groundPoint({51, 1}, 0)};
+    liveryRespawn(it);
+    ASSERT_EQ(it.stream.size(), 2u);
+    for (const LivePos& point : it.stream) {
+        EXPECT_TRUE(point.stopped);
+        EXPECT_EQ(point.track, 90);
+    }
+    lf_objectRemoved(1001);
+    lf_handleBuffer(it);
+    EXPECT_EQ(it.stage, FlightStage::parked);
+    EXPECT_EQ(it.simHeading, pi / 2);
+}
+
+TEST_F(Respawn, AnEmptyStreamIsToldAndLeavesTheAircraft) {
+    LiveAc& it = active(anyHexid, "BAW12", 1001);
+    it.stream.clear();
+    liveryRespawn(it);
+    EXPECT_TRUE(test::logHas("liveryRespawn: "));
+    EXPECT_TRUE(removalQueue.empty());
+}
+
+struct Fields {
+    std::string callsign = "BAW12", regcode, origin = "LHR", destination = "AMS", airline = "BAW",
+                model = "A320";
+};
+
+// The database knows G-EUAA as an A320 of BAW, G-DOCA as a B738 of BAW, PH-BXA as a B738 of KLM, G-LEAS as an
+// A320 that BAW flies for KLM, G-WETL as a B738 of KLM that BAW flies.
+TEST_F(Respawn, IdentityByReport) {
+    dbaseRecords["G-EUAA"] = {"BAW", "A320", "", false};
+    dbaseRecords["G-DOCA"] = {"BAW", "B738", "", false};
+    dbaseRecords["PH-BXA"] = {"KLM", "B738", "", false};
+    dbaseRecords["G-LEAS"] = {"KLM", "A320", "BAW", false};
+    dbaseRecords["G-WETL"] = {"KLM", "B738", "BAW", false};
+    parkAirport.code = "EGLL";
+    parkAirport.iata = "LHR";
+    using Change = std::function<void(LiveAc&, TrafficUpdate&)>;
+    const struct {
+        const char* what;
+        Change change;
+        bool goesOn, respawns, newLivery;
+        Fields want;
+    } cases[] = {
+        {"nothing new", [](auto&, auto&) {}, true, false, false, {}},
+        {"no route in the report",
+         [](auto&, auto& u) { u.origin = u.destination = ""; },
+         true,
+         false,
+         false,
+         {}},
+        {"an end of the route is filled", [](auto& r, auto&) { r.destination = ""; }, false, true, false, {}},
+        {"one end differs", [](auto&, auto& u) { u.destination = "CDG"; }, true, false, false, {}},
+        {"another route",
+         [](auto&, auto& u) { u.origin = "MAN", u.destination = "CDG"; },
+         false,
+         true,
+         false,
+         {.origin = "MAN", .destination = "CDG"}},
+        {"another route back to where it is",
+         [](auto&, auto& u) { u.origin = "CDG", u.destination = "LHR"; },
+         true,
+         false,
+         false,
+         {}},
+        {"another route while it departs",
+         [](auto& r, auto& u) { u.origin = "MAN", u.destination = "CDG", r.departing = true; },
+         true,
+         false,
+         false,
+         {}},
+        {"another route while it predicts",
+         [](auto& r, auto& u) { u.origin = "MAN", u.destination = "CDG", r.predictLeft = 1; },
+         true,
+         false,
+         false,
+         {}},
+        {"first registration of the same kind",
+         [](auto&, auto& u) { u.regcode = "G-EUAA"; },
+         true,
+         false,
+         false,
+         {.regcode = "G-EUAA"}},
+        {"first registration of another type",
+         [](auto&, auto& u) { u.regcode = "G-DOCA"; },
+         false,
+         true,
+         true,
+         {.regcode = "G-DOCA", .model = "B738"}},
+        {"first registration after its callsign",
+         [](auto& r, auto& u) { r.regcode = "BAW12", u.regcode = "PH-BXA"; },
+         false,
+         true,
+         true,
+         {.regcode = "PH-BXA", .airline = "KLM", .model = "B738"}},
+        {"first registration, flown for another",
+         [](auto&, auto& u) { u.regcode = "G-LEAS"; },
+         true,
+         false,
+         false,
+         {.regcode = "G-LEAS"}},
+        {"first registration with a livery of its own",
+         [](auto&, auto& u) { u.regcode = "G-OWNL"; },
+         false,
+         true,
+         true,
+         {.regcode = "G-OWNL"}},
+        {"other registration of another type",
+         [](auto& r, auto& u) { r.regcode = "G-EUAA", u.regcode = "G-DOCA"; },
+         false,
+         true,
+         true,
+         {.regcode = "G-DOCA", .model = "B738"}},
+        {"other registration of an airline that does not fly",
+         [](auto& r, auto& u) { r.regcode = "G-EUAA", u.regcode = "PH-BXA"; },
+         true,
+         false,
+         false,
+         {.regcode = "PH-BXA"}},
+        {"other registration of the same operator",
+         [](auto& r, auto& u) { r.regcode = "G-EUAA", u.regcode = "G-WETL"; },
+         true,
+         false,
+         false,
+         {.regcode = "G-WETL"}},
+        {"other callsign",
+         [](auto&, auto& u) { u.callsign = "BAW7"; },
+         false,
+         true,
+         false,
+         {.callsign = "BAW7"}},
+        {"the registration as callsign",
+         [](auto& r, auto& u) { r.regcode = "GEUAA", u.callsign = "GEUAA"; },
+         true,
+         false,
+         false,
+         {.regcode = "GEUAA"}},
+        {"the ghost of one that is here",
+         [](auto&, auto& u) { u.callsign = "KLM4_", u.regcode = "G-DOCA"; },
+         false,
+         false,
+         false,
+         {}},
+        {"other registration, respawns off",
+         [](auto&, auto& u) { GUID_CHANGES.value = false, u.regcode = "G-DOCA"; },
+         true,
+         false,
+         false,
+         {.regcode = "G-DOCA"}},
+    };
+    for (const auto& c : cases) {
+        gf_resetEngine();
+        GUID_CHANGES.value = true;
+        regcodeToTitle["G-OWNL"] = "own livery";
+        active(20002, "KLM4", 1002);
+        LiveAc& it = active(anyHexid, "BAW12", 1001);
+        it.origin = "LHR";
+        it.destination = "AMS";
+        liveryMemory[anyHexid] = it.title;
+        TrafficUpdate update = test::firstReport();
+        c.change(it, update);
+        const Fields want = c.want;
+        EXPECT_EQ(lf_refreshIdentity(it, update), c.goesOn) << c.what;
+        EXPECT_EQ(it.simState, c.respawns ? State::liveryrespawn : State::active) << c.what;
+        EXPECT_EQ(it.stage, c.newLivery ? FlightStage::birth : FlightStage::flying) << c.what;
+        EXPECT_EQ(it.title, c.newLivery ? "" : "A320 BAW") << c.what;
+        EXPECT_EQ(liveryMemory.contains(anyHexid), !c.newLivery) << c.what;
+        EXPECT_EQ(it.callsign, want.callsign) << c.what;
+        EXPECT_EQ(it.regcode, want.regcode) << c.what;
+        EXPECT_EQ(it.origin + it.destination, want.origin + want.destination) << c.what;
+        EXPECT_EQ(it.airline + it.model, want.airline + want.model) << c.what;
+        EXPECT_EQ(lf_findLiveByCallsign(want.callsign), &it) << c.what;
+    }
+}
+
+TEST_F(Respawn, InTheBufferAReportOverwrites) {
+    LiveAc& it = buffered(anyHexid, "OLD1");
+    it.origin = "XXX";
+    TrafficUpdate update = test::firstReport();
+    update.destination = "";
+    EXPECT_TRUE(lf_refreshIdentity(it, update));
+    EXPECT_EQ(it.callsign, "BAW12");
+    EXPECT_EQ(it.origin, "LHR");
+    EXPECT_EQ(lf_findLiveByCallsign("OLD1"), nullptr);
+}
+
+TEST_F(Respawn, AnotherFlightOnTheGroundTaxies) {
+    LiveAc& it = active(anyHexid, "BAW12", 1001);
+    it.onGround = true;
+    it.simHeading = 2;
+    it.origin = "AMS";
+    it.destination = "LHR";
+    TrafficUpdate update = test::firstReport();
+    update.origin = "LHR";
+    update.destination = "CDG";
+    lf_refreshIdentity(it, update);
+    EXPECT_EQ(it.stage, FlightStage::taxi);
+    EXPECT_EQ(it.prevStage, FlightStage::flying);
+    EXPECT_EQ(it.targetHeading, 2);
+    EXPECT_TRUE(test::logHas("          BAW12             LHR->CDG respawns"));
+}
+
+}  // namespace
+}  // namespace skl
