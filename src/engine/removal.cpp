@@ -36,25 +36,19 @@ bool lf_forgetWatched(uint32_t objectId) {
 }
 
 void removeAircraftFromSim(AcBase& record) {
-    switch (record.simState) {
-        case SimObjectState::buffer:
-            record.eraseNow = true;
-            return;
-        case SimObjectState::removingfromsim:
-            return;
-        case SimObjectState::adding2sim:
-            if (record.removeWhenCreated) return;
-            if (lf_withdrawCreation(record.hexid))
-                record.eraseFromQueue = true;
-            else
-                record.removeWhenCreated = true;
-            return;
-        case SimObjectState::liveryrespawn:
-            // Its object is on the way out already.
-            record.simState = SimObjectState::removingfromsim;
-            return;
-        case SimObjectState::active:
-            break;
+    if (record.simState == SimObjectState::buffer) {
+        record.eraseNow = true;
+        return;
+    }
+    if (record.removeWhenCreated || record.simState == SimObjectState::removingfromsim) return;
+    if (record.simState == SimObjectState::adding2sim) {
+        (lf_withdrawCreation(record.hexid) ? record.eraseFromQueue : record.removeWhenCreated) = true;
+        return;
+    }
+    if (record.simState == SimObjectState::liveryrespawn) {
+        // Its object is on the way out already.
+        record.simState = SimObjectState::removingfromsim;
+        return;
     }
     record.simState = SimObjectState::removingfromsim;
     if (lf_forgetWatched(record.objectId)) CALLSIGN_2_OBJECTID.set("");

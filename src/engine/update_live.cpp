@@ -131,6 +131,8 @@ void nextPosMain(LiveAc& record) {
         nextSegmentOrRemoval(record);
     } catch (...) {
         logTickFailure("nextPosMain", record);
+        // The same stream would fail the same way at each tick.
+        removeAircraftFromSim(record);
         throw;
     }
 }

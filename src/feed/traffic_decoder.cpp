@@ -91,6 +91,16 @@ double tasFor(double altitude) {
     return highTas;
 }
 
+/// Whether the great-circle distance exceeds the range. Most positions are settled by bounds that need no
+/// sines: the difference of latitude below, the way along meridian and parallel above.
+bool outOfRange(LaLo centre, LaLo place, double range) {
+    constexpr double nmPerDegree = 60.0, tolerance = 1.001;
+    const double dLat = std::abs(place.lat - centre.lat), dLon = std::abs(place.lon - centre.lon);
+    if (dLat * nmPerDegree > range * tolerance) return true;
+    if ((dLat + dLon) * nmPerDegree * tolerance < range) return false;
+    return gf_distanceNm(centre, place) > range;
+}
+
 void split(std::string_view line, std::vector<std::string_view>& fields) {
     fields.clear();
     const char* from = line.data();
@@ -149,7 +159,7 @@ bool TrafficReader::decodePlace(Decoded& record) {
     const LaLo place = record.pos.pos();
     if (std::abs(place.lat) > 90 || std::abs(place.lon) > 180 || !positionKnown(place))
         bad(fmt::format("invalid lalo: {:.6f},{:.6f}", place.lat, place.lon));
-    if (gf_distanceNm(surroundings_.filterPos, place) > rangeNm) return drop(feedCounters.outOfRange);
+    if (outOfRange(surroundings_.filterPos, place, rangeNm)) return drop(feedCounters.outOfRange);
     return true;
 }
 

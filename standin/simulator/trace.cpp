@@ -15,7 +15,7 @@ namespace {
 // Poses come with the frames, whose times tremble a little.
 constexpr double kTremble = 0.005;
 
-std::string quoted(std::string_view text) {
+std::string jsonText(std::string_view text) {
     return nlohmann::json(utf8Of(text)).dump();
 }
 
@@ -34,13 +34,13 @@ std::string Trace::open(const std::string& file) {
 void Trace::line(double t, double utc, const char* op, const SimObject& object, const std::string& rest) {
     if (file_.is_open()) {
         file_ << fmt::format(R"({{"t":{:.3f},"utc":{:.3f},"op":"{}","oid":{},"tail":{}{}}})", t, utc, op,
-                             object.id, quoted(object.tail), rest)
+                             object.id, jsonText(object.tail), rest)
               << '\n';
     }
 }
 
 void Trace::create(double t, double utc, const SimObject& object) {
-    line(t, utc, "create", object, fmt::format(R"(,"title":{}{})", quoted(object.title), placeOf(object)));
+    line(t, utc, "create", object, fmt::format(R"(,"title":{}{})", jsonText(object.title), placeOf(object)));
 }
 
 void Trace::remove(double t, double utc, const SimObject& object) {
@@ -49,11 +49,11 @@ void Trace::remove(double t, double utc, const SimObject& object) {
 }
 
 void Trace::event(double t, double utc, const SimObject& object, std::string_view name, std::uint32_t data) {
-    line(t, utc, "event", object, fmt::format(R"(,"event":{},"data":{})", quoted(name), data));
+    line(t, utc, "event", object, fmt::format(R"(,"event":{},"data":{})", jsonText(name), data));
 }
 
 void Trace::plan(double t, double utc, const SimObject& object, std::string_view path) {
-    line(t, utc, "plan", object, fmt::format(R"(,"data":{})", quoted(path)));
+    line(t, utc, "plan", object, fmt::format(R"(,"data":{})", jsonText(path)));
 }
 
 void Trace::pose(double t, double utc, const SimObject& object) {

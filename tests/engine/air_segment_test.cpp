@@ -226,14 +226,16 @@ TEST_F(AirSegment, FlyingWhileTheReportsAreOnTheGround) {
     // The third point is airborne, and a fourth follows: straight to the third, at its distance.
     LiveAc& skipping = onGroundReports(60);
     skipping.stream.pop_back();
-    add(skipping, 3100, 60);
+    add(skipping, 3100, 60, 0);
     add(skipping, 3200, 60);
     lf_nextSegment(skipping);
     ASSERT_EQ(skipping.stream.size(), 2u);
     EXPECT_EQ(skipping.stream.front().alt, 3100);
-    EXPECT_NEAR(skipping.stream.front().time, 4000, 1);
-    EXPECT_NEAR(skipping.dAlt, 0.1, 1e-3);
-    EXPECT_NEAR(skipping.simLon + 1000 * skipping.dLon, skipping.stream.front().lon, 1e-9);
+    EXPECT_NEAR(skipping.stream.front().time, 3000 + 500 * std::sqrt(2.0), 1);
+    const double ticks = skipping.stream.front().time - engineTick;
+    EXPECT_NEAR(skipping.dAlt * ticks, 100, 1e-6);
+    EXPECT_NEAR(skipping.simLon + ticks * skipping.dLon, skipping.stream.front().lon, 1e-9);
+    EXPECT_NEAR(skipping.simLat + ticks * skipping.dLat, skipping.stream.front().lat, 1e-9);
 }
 
 TEST_F(AirSegment, LandingFollowsTheReports) {

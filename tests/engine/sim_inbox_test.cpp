@@ -134,17 +134,17 @@ TEST_F(SimInbox, AnObjectSettlesForTwoSeconds) {
     asked();
     identify(1001);
     EXPECT_EQ(record(anyHexid).agl, 1900);
-    EXPECT_EQ(simulator.takeCalls(), (Words{"?"}));
+    EXPECT_EQ(simulator.takeCalls(), (Words{"request 102 405 1001 1"}));
     for (int i = 1; i < 200; ++i) {
         lf_processSimInbox();
-        EXPECT_EQ(simulator.takeCalls(), (i == 49 || i == 99 ? Words{"?"} : Words{})) << i;
+        EXPECT_EQ(simulator.takeCalls(), (i == 49 || i == 99 ? Words{"event 1001 213 0 301"} : Words{})) << i;
     }
     EXPECT_EQ(record(anyHexid).simState, SimObjectState::adding2sim);
     lf_processSimInbox();
     EXPECT_EQ(record(anyHexid).simState, SimObjectState::active);
     EXPECT_TRUE(pendingObjects.empty());
     // No static data has come: asked for once more.
-    EXPECT_EQ(simulator.takeCalls(), (Words{"?"}));
+    EXPECT_EQ(simulator.takeCalls(), (Words{"request 102 405 1001 1"}));
     asked(20002, "B");
     identify(1002, 20002);
     post({.objectId = 1002, .kind = msgStaticData, .a = 8, .b = 0.01});

@@ -149,6 +149,19 @@ TEST_F(TrafficDecoderTest, EachDropHasItsReasonAndNoLogLine) {
     EXPECT_TRUE(decode({{9, "AIRPORT12"}}));
 }
 
+TEST_F(TrafficDecoderTest, RangeIsAGreatCircleEverywhere) {
+    for (const LaLo centre : {LaLo{47.458, 8.548}, LaLo{-80, 179.9}, LaLo{0.5, -179.99}, LaLo{89.7, 10}}) {
+        reader.setFilterPos(centre);
+        for (int degrees = 0; degrees < 360; degrees += 5)
+            for (const double miles : {0.1, 20.0, 39.98, 40.02, 60.0}) {
+                const LaLo place = destinationPoint(centre, toRad(degrees), miles * feetPerNm);
+                const auto record = decode(
+                    {{2, fmt::format("{:.7f}", place.lat)}, {3, fmt::format("{:.7f}", wrapLon(place.lon))}});
+                EXPECT_EQ(record.has_value(), miles < 40) << centre.lat << " " << degrees << " " << miles;
+            }
+    }
+}
+
 TEST_F(TrafficDecoderTest, EachBadFieldIsLoggedWithItsText) {
     const std::string outOf = lineWith({{4, "high"}});
     struct Case {

@@ -98,11 +98,26 @@ TEST(NetPosix, StreamMovesBytesAndNoticesTheEnd) {
         EXPECT_EQ(taken, 0);
         peer.reset();
         int64_t count = 0;
-        for (int i = 0; i < 1000 && count == 0; ++i) count = stream->read(buffer);
+        for (int i = 0; i < 1000000 && count == 0; ++i) count = stream->read(buffer);
         EXPECT_EQ(count, -1);
         EXPECT_EQ(stream->write(much), -1);
         EXPECT_EQ(stream->state(Millis(0)), ByteStream::State::failed);
     }
+}
+
+TEST(NetPosix, StreamGivesAllBytesBeforeItsOrderlyEnd) {
+    auto server = LoopbackSocket::tcpServer();
+    auto stream = openStream("127.0.0.1", server.port());
+    auto peer = server.accept();
+    std::vector<std::byte> buffer(4);
+    EXPECT_EQ(stream->read(buffer), 0);
+    peer.send("last");
+    peer.close();
+    int64_t count = 0;
+    for (int i = 0; i < 1000000 && count == 0; ++i) count = stream->read(buffer);
+    EXPECT_EQ(count, 4);
+    for (int i = 0; i < 1000000 && count >= 0; ++i) count = stream->read(buffer);
+    EXPECT_EQ(count, -1);
 }
 
 TEST(NetPosix, StreamToNobodyFails) {

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 
+#include "core/clock.h"
 #include "core/locks.h"
 #include "core/run_state.h"
 #include "engine/engine_state.h"
@@ -176,9 +178,15 @@ TEST_F(AiCommandsTest, PosesOfAnOlderTickNeverStandBesideNewerOnes) {
     // Above it they are worth waiting for.
     frameRate = 60;
     std::thread waiting;
+    std::atomic<bool> done{false};
     {
         LockGuard guard(g_simLock);
-        waiting = std::thread([&] { gf_handOverPoses(writeSide = {pose(1001, 6)}); });
+        waiting = std::thread([&] {
+            gf_handOverPoses(writeSide = {pose(1001, 6)});
+            done = true;
+        });
+        EXPECT_FALSE(
+            gf_waitUntil(gf_steadyNow() + std::chrono::milliseconds(50), [&] { return done.load(); }));
     }
     waiting.join();
     sim.deliver(frameMessage());

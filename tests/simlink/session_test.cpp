@@ -295,11 +295,25 @@ TEST_F(SessionTest, SimulatorExceptions) {
 TEST_F(SessionTest, MessagesThatLackFieldsAreDropped) {
     start();
     pass();
-    for (auto message : {openMessage("KittyHawk"), eventMessage(ev::sim, 1), objectMessage(202, 1001),
-                         frameMessage(), exceptionMessage(22, 1), userMessage(1, {.lat = 50}),
-                         onGroundMessage(true), modelMessage("A320"), rangeMessage(1001, 1, 2, 0, "BAW1")}) {
+    struct Case {
+        SimMessage message;
+        size_t cut;
+    };
+    const Case cases[] = {
+        {openMessage("KittyHawk"), 28},
+        {eventMessage(ev::sim, 1), 1},
+        {objectMessage(202, 1001), 1},
+        {frameMessage(), 5},
+        {exceptionMessage(22, 1), 1},
+        {userMessage(1, {.lat = 50}), 1},
+        {onGroundMessage(true), 1},
+        {modelMessage("A320"), 1},
+        {rangeMessage(1001, 1, 2, 0, "BAW1"), 1},
+        {replyMessage(102, 405, 1001), 8},
+    };
+    for (Case c : cases) {
         const int before = logCount("is not whole, dropped");
-        deliver(message.cut(message.bytes().size() == 308 ? 40 : 4));
+        deliver(c.message.cut(c.cut));
         EXPECT_EQ(logCount("is not whole, dropped"), before + 1);
     }
     deliver(SimMessage(77));

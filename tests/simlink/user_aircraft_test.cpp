@@ -78,7 +78,7 @@ TEST_F(UserAircraftTest, AJumpEndsTheRun) {
         sim.deliver(userMessage(1, {.lat = c.from.lat, .lon = c.from.lon}));
         sim.deliver(userMessage(1, {.lat = c.to.lat, .lon = c.to.lon}));
         EXPECT_EQ(g_stopRequested, c.ends) << c.to.lat;
-        if (c.ends) EXPECT_EQ(g_exitReason, ExitReason::newFlight);
+        EXPECT_EQ(g_exitReason, c.ends ? ExitReason::newFlight : ExitReason::notYetSet);
     }
     EXPECT_EQ(logCount("Teleport"), 1);
 }
@@ -161,6 +161,7 @@ TEST_F(UserAircraftTest, TypeAndSpanOfAModel) {
         {"TT:ATCCOM.AC_MODEL A320.0.text", "", "A320", 0.0097, From::model},
         {"ATCCOM.AC_MODEL_M20.0.text", "", "M20", 0.003, From::model},
         {"TT:ATCCOM.AC_MODEL ZZZZ.0.text", "", "", 0.0215, From::nothing},
+        {"M20.0.text", "", "M20", 0.003, From::model},
         {"0.0.text", "", "", 0.0215, From::nothing},
         {"$$:DA40", "", "DA40", 0.0032, From::model},
         {"$$:A", "", "$$:A", 0.0215, From::nothing},

@@ -6,9 +6,9 @@
 #include <chrono>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "core/text.h"
 #include "simlink/sim_ids.h"
 #include "tests/support/fake_simconnect.h"
 #include "tests/support/temp_folder.h"
@@ -62,9 +62,10 @@ uint32_t u32At(const Bytes& bytes, size_t at) {
 /// A stream in memory: what the client writes, as far as there is room, and what it is to read.
 struct Pipe {
     Bytes written, toRead;
+    Bytes lastWords;  // to be read once a write has failed
     size_t room = 1u << 30;
     int writes = 0;
-    bool ended = false;
+    bool broken = false;  // nothing can be written
 };
 
 class PipeStream : public net::ByteStream {
@@ -72,7 +73,10 @@ class PipeStream : public net::ByteStream {
     explicit PipeStream(Pipe& pipe) : pipe_(pipe) {}
     State state(net::Millis) override { return State::open; }
     int64_t write(std::span<const std::byte> bytes) override {
-        if (pipe_.ended) return -1;
+        if (pipe_.broken) {
+            pipe_.toRead = std::exchange(pipe_.lastWords, {});
+            return -1;
+        }
         ++pipe_.writes;
         bytes = bytes.first(std::min(bytes.size(), pipe_.room));
         pipe_.room -= bytes.size();
@@ -80,7 +84,7 @@ class PipeStream : public net::ByteStream {
         return static_cast<int64_t>(bytes.size());
     }
     int64_t read(std::span<std::byte> buffer) override {
-        if (pipe_.toRead.empty()) return pipe_.ended ? -1 : 0;
+        if (pipe_.toRead.empty()) return 0;
         const size_t count = std::min(buffer.size(), pipe_.toRead.size());
         std::memcpy(buffer.data(), pipe_.toRead.data(), count);
         pipe_.toRead.erase(pipe_.toRead.begin(), pipe_.toRead.begin() + static_cast<std::ptrdiff_t>(count));
@@ -297,8 +301,8 @@ TEST_F(WireClientTest, AQuitIsFoundBehindOutputThatFails) {
     const auto result = client.callDispatch([&](const SimRecv& message) {
         if (message.id != sc::recvFrame) return;
         client.aiRemoveObject(1001, 105);
-        pipe.ended = true;
-        add(quitMessage());
+        pipe.broken = true;
+        pipe.lastWords = quitMessage().bytes();
     });
     EXPECT_EQ(result, SimConnect::Dispatch::quit);
 }

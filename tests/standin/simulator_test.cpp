@@ -134,15 +134,37 @@ class SimulatorTest : public ::testing::Test {
         sim->step(0);
     }
     std::uint64_t read() const { return sim->report()["bytes"]["received"]; }
+    // Takes from the sockets until everything that was sent has come.
+    void drain() {
+        const std::uint64_t sent = sim->report()["bytes"]["sent"];
+        for (int i = 0; i < 2000; ++i) {
+            for (const int peer : peers) {
+                char buffer[65536];
+                ssize_t count = 0;
+                while ((count = ::recv(peer, buffer, sizeof buffer, 0)) > 0) {
+                    rest[peer].append(buffer, static_cast<std::size_t>(count));
+                    arrived += static_cast<std::uint64_t>(count);
+                }
+                ended[peer] = count == 0;
+            }
+            if (arrived >= sent) {
+                return;
+            }
+            ::poll(nullptr, 0, 1);
+        }
+        ADD_FAILURE() << "only " << arrived << " of " << sent << " bytes came";
+    }
+    bool hasEnded(int peer) {
+        for (int i = 0; i < 2000 && !ended[peer]; ++i) {
+            drain();
+            ::poll(nullptr, 0, 1);
+        }
+        return ended[peer];
+    }
     // Whole messages that have come; the bytes of a torn one stay in `rest`.
     std::vector<Received> all(int peer) {
+        drain();
         std::string& bytes = rest[peer];
-        char buffer[65536];
-        ssize_t count = 0;
-        while ((count = ::recv(peer, buffer, sizeof buffer, 0)) > 0) {
-            bytes.append(buffer, static_cast<std::size_t>(count));
-        }
-        ended[peer] = count == 0;
         std::vector<Received> messages;
         while (bytes.size() >= 12 && bytes.size() >= Received{bytes}.u32(0)) {
             const auto size = Received{bytes}.u32(0);
@@ -158,6 +180,16 @@ class SimulatorTest : public ::testing::Test {
     std::vector<Received> take(int peer, std::uint32_t id) {
         auto messages = all(peer);
         std::erase_if(messages, [id](const Received& message) { return message.id() != id; });
+        return messages;
+    }
+    // The same while time stands still, until one is there.
+    std::vector<Received> await(int peer, std::uint32_t id) {
+        std::vector<Received> messages;
+        for (int i = 0; i < 2000 && messages.empty(); ++i) {
+            sim->step(0);
+            messages = take(peer, id);
+            ::poll(nullptr, 0, messages.empty() ? 1 : 0);
+        }
         return messages;
     }
     // Time goes on in frames.
@@ -201,6 +233,7 @@ class SimulatorTest : public ::testing::Test {
     std::vector<int> peers;
     std::map<int, std::string> rest;
     std::map<int, bool> ended;
+    std::uint64_t arrived = 0;
     fs::path folder;
 };
 
@@ -246,8 +279,7 @@ TEST_F(SimulatorTest, RefusesWhatComesBeforeOpenAndVersionsItDoesNotKnow) {
     EXPECT_EQ(exceptions[0].u32(12), 5U);
     // A size that cannot be ends the connection.
     send(peer, u32(12) + u32(5) + u32(0xF0000001U));
-    all(peer);
-    EXPECT_TRUE(ended[peer]);
+    EXPECT_TRUE(hasEnded(peer));
 }
 
 TEST_F(SimulatorTest, AnswersFaultsWithTheirExceptions) {
@@ -358,10 +390,10 @@ TEST_F(SimulatorTest, CreatesMovesFreezesAndRemovesAnObject) {
     EXPECT_EQ(messages[0].text(56), "BAW123");
     EXPECT_NEAR(std::bit_cast<float>(messages[0].u32(88)), 0.0174533F, 1e-6);
 
-    // Array count 0 is 1. The pose can be read back.
+    // Array count 0 is 1. The pose can be read back by a request right behind it in the stream.
     send(peer,
-         packet(0x10, u32(402) + u32(1000) + u32(0) + u32(0) + u32(24) + f64(1.5) + f64(-0.5) + f64(20)));
-    send(peer, request(8, 402, 1000, 1));
+         packet(0x10, u32(402) + u32(1000) + u32(0) + u32(0) + u32(24) + f64(1.5) + f64(-0.5) + f64(20)) +
+             request(8, 402, 1000, 1));
     messages = all(peer);
     ASSERT_EQ(messages.size(), 1U);
     EXPECT_NEAR(messages[0].f64(40), 1.5, 1e-12);
@@ -454,7 +486,9 @@ TEST_F(SimulatorTest, StartsPausesResumesAndSendsFrames) {
     // A second client hears of the running flight at once.
     const int other = open(4);
     send(other, subscribe(1, "sim") + define(1, "PLANE LATITUDE", "degrees", 4) + request(1, 1, 0, 1));
-    EXPECT_EQ(take(other, 4).empty(), true);
+    const auto sims = take(other, 4);
+    ASSERT_EQ(sims.size(), 1U);
+    EXPECT_EQ(sims[0].u32(20), 1U);
 }
 
 TEST_F(SimulatorTest, AnswersByTypeWithinTheRadius) {
@@ -507,6 +541,7 @@ TEST_F(SimulatorTest, RepeatsRequestsByPeriodIntervalLimitAndChange) {
     send(peer, request(4, 1, 0, 3));              // only while the flight runs
     send(peer, request(5, 1, 0, 2, 1));           // only changed values
     send(peer, request(6, 1, 0, 2, 3));           // only changed values, tagged
+    send(peer, request(7, 1, 0, 2, 0, 0, 4));     // every fifth frame
     pass(2.9);
     std::map<std::uint32_t, std::vector<Received>> replies;
     for (const auto& message : take(peer, 8)) {
@@ -516,6 +551,7 @@ TEST_F(SimulatorTest, RepeatsRequestsByPeriodIntervalLimitAndChange) {
     EXPECT_NEAR(static_cast<double>(replies[1].size()), 29, 1);
     EXPECT_EQ(replies[2].size(), 4U);
     EXPECT_EQ(replies[3].size(), 3U);
+    EXPECT_NEAR(static_cast<double>(replies[7].size()), 6, 1);
     EXPECT_NEAR(static_cast<double>(replies[4].size()), 28, 1);
     // Once for itself, then about ten times while the aircraft climbs from the first to the second second.
     EXPECT_NEAR(static_cast<double>(replies[5].size()), 10, 2);
@@ -609,7 +645,7 @@ TEST_F(SimulatorTest, ScriptsWhatCanGoWrong) {
     pass(1);
     EXPECT_TRUE(all(peer).empty());
     pass(1);
-    EXPECT_EQ(take(peer, 8).size(), 1U);
+    EXPECT_EQ(await(peer, 8).size(), 1U);
     pass(1);
     send(peer, question);
     pass(2.9);
@@ -625,7 +661,7 @@ TEST_F(SimulatorTest, ScriptsWhatCanGoWrong) {
     EXPECT_EQ(messages[1].u32(16), 2U);
     pass(1);
     EXPECT_TRUE(all(peer).empty());
-    EXPECT_TRUE(ended[peer]);
+    EXPECT_TRUE(hasEnded(peer));
     EXPECT_EQ(rest[peer].size(), 19U);
     pass(1);
     peer = connect();
@@ -634,8 +670,7 @@ TEST_F(SimulatorTest, ScriptsWhatCanGoWrong) {
     now += 3;  // the reply is late
     EXPECT_EQ(all(peer).size(), 1U);
     sim->step(0);
-    all(peer);
-    EXPECT_TRUE(ended[peer]);
+    EXPECT_TRUE(hasEnded(peer));
     EXPECT_TRUE(sim->ended());
 }
 
@@ -709,7 +744,7 @@ TEST_F(MotionTest, AStraightFlightHasNoFault) {
     EXPECT_LT(report["air"]["Large"]["accelerationG"]["max"], 0.01);
     EXPECT_LT(report["crossTrack"]["max"], 0.1);
     EXPECT_EQ(report["crossTrack"]["flights"], 1);
-    EXPECT_EQ(report["crossTrack"]["leftOutShare"], 0.0);
+    EXPECT_LT(report["crossTrack"]["leftOutShare"], 0.02);
     EXPECT_FALSE(report.contains("onGround"));
 }
 
@@ -756,7 +791,7 @@ TEST_F(MotionTest, JudgesTouchDownWheelsAndSliding) {
         }
         if (t > 30) {
             pose.height = 0;
-            pose.heading = 150;  // slides
+            pose.heading = t > 35 ? 270 : 150;  // slides, then goes backwards
         }
     });
     const auto& ground = report["onGround"];
@@ -765,7 +800,8 @@ TEST_F(MotionTest, JudgesTouchDownWheelsAndSliding) {
     EXPECT_EQ(ground["touchDown"]["tooHard"], 1);
     EXPECT_NEAR(ground["wheels"]["breaches"].get<double>(), 9, 1);
     EXPECT_NEAR(ground["wheels"]["worst"]["metres"].get<double>(), 0.914, 0.01);
-    EXPECT_NEAR(ground["sideways"]["seconds"].get<double>(), 9, 1);
+    EXPECT_NEAR(ground["sideways"]["seconds"].get<double>(), 5, 1);
+    EXPECT_NEAR(ground["sideways"]["backwards"].get<double>(), 4, 1);
     EXPECT_NEAR(ground["sideways"]["worst"]["degrees"].get<double>(), 60, 1);
 }
 
