@@ -77,9 +77,9 @@ void writeTable(const std::string& file, const std::string& table) {
 
 int run(const Options& options) {
     const Rows rows = measureAll(options.only);
-    const std::string table = fmt::format(
-        "Measured on {}, {} hardware threads, {} {}, the least of {} runs.\n\n{}", gf_dateString(),
-        std::thread::hardware_concurrency(), "g++", __VERSION__, runs, tableText(rows));
+    const std::string table =
+        fmt::format("Measured on {}, {} hardware threads, g++ {}, the least of {} runs.\n\n{}",
+                    gf_dateString(), std::thread::hardware_concurrency(), __VERSION__, runs, tableText(rows));
     fmt::print("{}", table);
     if (!options.file.empty()) writeTable(options.file, table);
     return std::any_of(rows.begin(), rows.end(), [](const Row& row) { return row.met == false; }) ? 1 : 0;

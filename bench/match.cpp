@@ -70,7 +70,9 @@ std::vector<LiveAc> makeRequests(const std::vector<std::string>& own) {
         list.push_back(std::move(record));
         if (list.size() == requestsARung) ++full;
     }
-    require(full == kinds, "a rung of the ladder has too few requests");
+    for (size_t rung = 0; rung < kinds; ++rung)
+        require(byRung[rung].size() == requestsARung,
+                fmt::format("only {} requests for rung {}", byRung[rung].size(), rung));
     std::vector<LiveAc> requests;
     for (size_t i = 0; i < requestsARung; ++i)
         for (auto& list : byRung) requests.push_back(std::move(list[i]));

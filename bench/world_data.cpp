@@ -1,3 +1,5 @@
+// Shares of types and airlines as they are in a sky over Europe, roughly: a few airlines have most liveries,
+// each type has a generic one but for rare types.
 #include "bench/world_data.h"
 
 #include <fmt/format.h>
@@ -103,8 +105,10 @@ void writeDbase(const std::string& path, int registrations) {
 
 LiveryData makeLivery(Choice& choice, int number) {
     LiveryData livery;
-    livery.model = choice.type();
-    livery.airline = choice.chance(0.04) ? "ZZZ" : choice.airline();
+    // Rare types come in the colours of their owners only, never in a generic livery.
+    const bool rare = choice.chance(0.015);
+    livery.model = rare ? choice.anyType() : choice.type();
+    livery.airline = !rare && choice.chance(0.04) ? "ZZZ" : choice.airline();
     livery.cargo = choice.chance(0.06);
     if (choice.chance(0.5)) livery.regcode = choice.registration();
     livery.title = fmt::format("AIG_{} {} {} {}", livery.model, livery.airline, livery.regcode, number);

@@ -20,6 +20,7 @@ AIR_ACCELERATION = 1.0   # knots a second
 ROLL_ACCELERATION = 3.5
 BRAKING = 3.5
 ROLL_OUT_KNOTS = 60
+TAXI_BRAKING = 0.6       # metres a second squared
 EXIT_KNOTS = 15
 GLIDE = math.tan(math.radians(3)) * 6076.115  # feet a mile
 THRESHOLD_FEET = 50
@@ -149,6 +150,11 @@ def towards(value, target, most):
     return min(target, value + most) if target > value else max(target, value - most)
 
 
+def braking_from(knots, metres):
+    """The speed from which one comes down to another in that distance."""
+    return math.sqrt((knots * KNOT) ** 2 + 2 * TAXI_BRAKING * metres) / KNOT
+
+
 def fly(points, performance, elevation, longest):
     """The states of a flight, STEP apart, until the end of its course or for `longest` seconds."""
     course = Course(points)
@@ -168,11 +174,11 @@ def fly(points, performance, elevation, longest):
         states.append(State(step * STEP, x, y, height, speed, vertical, turn, ground))
         rolling_out = ground and landing
         if rolling_out:
+            # Slow enough for the exit, and to stop where the course ends.
             left = max(0.0, course.length - distance) * 1852
-            speed_there = EXIT_KNOTS
-            # What is left to the exit, kept for a gentle stop at the end of the course.
-            brake = math.sqrt((speed_there * KNOT) ** 2 + 2 * 0.6 * max(0.0, left - 150)) / KNOT
-            speed = towards(speed, min(ROLL_OUT_KNOTS, brake), BRAKING * STEP)
+            to_exit = max(0.0, course.marks[-2] - 0.02 - distance) * 1852
+            allowed = min(ROLL_OUT_KNOTS, braking_from(EXIT_KNOTS, to_exit), braking_from(0, left))
+            speed = max(1.0, towards(speed, allowed, BRAKING * STEP))
             vertical = 0.0
         elif ground:
             speed = towards(speed, target.speed, ROLL_ACCELERATION * STEP)

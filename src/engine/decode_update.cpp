@@ -60,7 +60,7 @@ bool isDropped(LiveAc& record, const TrafficUpdate& update) {
     if (!(gap > shortestGap) || speedJumps(last.speed, update.pos.speed)) return true;
     if (record.predictLeft < 1 && addsNothing(last, update.pos, gap)) return true;
     if (!isImplausible(record, update.pos)) {
-        
+        record.implausibleReports = 0;
         return false;
     }
     if (++record.implausibleReports >= implausibleLimit) removeAircraftFromSim(record);

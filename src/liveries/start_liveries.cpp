@@ -92,7 +92,7 @@ void removeLastReports() {
 
 /// The folder behind a text of the user, or nothing after a log line.
 std::optional<fs::path> usableFolder(const std::string& folder) {
-    const fs::path path = gf_findExisting(fs::path(folder));
+    const fs::path path = gf_findExisting(fs::path(std::u8string(folder.begin(), folder.end())));
     std::error_code ignored;
     if (!fs::exists(path, ignored)) {
         gf_log(folder + " does not exist, skipped!");

@@ -56,7 +56,7 @@ class World:
     """A folder to run in, a home, an installed simulator with liveries, and the processes started so far."""
 
     def __init__(self, build, real_traffic=True, parameters=None, sim="2020", scan=True):
-        self.build = pathlib.Path(build)
+        self.build = pathlib.Path(build).resolve()
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="skl-"))
         self.run_folder = self.folder / "run"
         shutil.copytree(self.build / "stage", self.run_folder)

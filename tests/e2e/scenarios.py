@@ -196,7 +196,7 @@ def no_install_path(world):
     world.write_parameters()
     program = world.program()
     world.wait_for_log("Error 150: No install path detected")
-    world.check("Error 150" in program.text(), "the message stands in the terminal")
+    world.wait_for(lambda: "Error 150" in program.text(), "the message in the terminal")
     program.signal()
     world.check(program.wait() == 0, "exit status 0")
 

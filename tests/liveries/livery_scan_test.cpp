@@ -165,9 +165,10 @@ TEST_F(LiveryScan, LinksAreFollowedOnce) {
 }
 
 TEST_F(LiveryScan, ReportFilesAndSummary) {
-    writeFile("tree/a/aircraft.cfg",
-              cfg("B738", section(0, "A", "KLM") + section(1, "B", "QQQ") + section(2, "A", "KLM") +
-                              "[fltsim.3]\nicao_airline=KLM\n"));
+    // Line ends of the file do not show in the reports, and a line stands there once.
+    const std::string sections = section(0, "A", "KLM") + section(1, "B", "QQQ") + section(2, "A", "KLM") +
+                                 "[fltsim.3]\nicao_airline=KLM\n[fltsim.3]\nicao_airline=KLM\n";
+    writeFile("tree/a/aircraft.cfg", replaceAll(cfg("B738", sections), "\n", "\r\n"));
     writeFile("tree/b/aircraft.cfg", cfg("XX", section(0, "C", "KLM")));
     writeFile("tree/c/aircraft.cfg", "nothing here");
     gf_scanLiveryFolder(1, "tree");

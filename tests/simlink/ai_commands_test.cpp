@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -336,9 +337,16 @@ TEST_F(AiCommandsTest, ACreationWithoutAnswerIsGivenUpAndItsLateObjectRemoved) {
     show(1002, "BAW1");
     EXPECT_EQ(inbox(), Lines{"0 1001 20001 0 1500"});
     sim.deliver(frameMessage());
-    EXPECT_EQ(sim.takeCalls().back(), "remove 1002 105");
+    const auto calls = sim.takeCalls();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "remove 1002 105"), 1);
     // Nothing is looked out for for ever.
-    create(20002, "BAW2");
+    const uint32_t late = create(20002, "BAW2");
+    create(20003, "BAW3");
+    engineTick = 6001 + 6001;
+    sim.deliver(frameMessage());
+    EXPECT_EQ(inbox().size(), 2u);
+    sim.deliver(exceptionMessage(22, late));
+    EXPECT_TRUE(inbox().empty());
     engineTick = 6001 + 60001;
     sim.deliver(frameMessage());
     EXPECT_TRUE(pendingCreates.empty());

@@ -242,6 +242,7 @@ TEST_F(SessionTest, ALostSimulatorEndsTheRunForARestart) {
     EXPECT_EQ(g_exitReason, ExitReason::simConnectError);
     EXPECT_EQ(g_restartSeconds, 9);
     EXPECT_EQ(logCount("SimConnect request error"), 1);
+    EXPECT_EQ(logCount("SimConnect: connection lost"), 1);
     end();
     EXPECT_TRUE(logHas("===> Closing SimConnect failed?!"));
 }
@@ -253,6 +254,7 @@ TEST_F(SessionTest, ASessionIsServedUntilItsOwnStop) {
     simRemove(1001);
     deliver(frameMessage());
     const auto calls = sim.takeCalls();
+    ASSERT_FALSE(calls.empty());
     EXPECT_EQ(calls.back(), "remove 1001 105");
 }
 
@@ -357,7 +359,7 @@ TEST_F(SessionTest, RequestsAndTheirFailures) {
         sim.state().failing.clear();
         sim.takeCalls();
         c.request();
-        EXPECT_EQ(sim.takeCalls().front(), c.call);
+        EXPECT_EQ(sim.takeCalls().at(0), c.call);
         EXPECT_FALSE(g_stopRequested);
         sim.state().failing = c.call;
         c.request();
