@@ -140,11 +140,17 @@ Frame sendFrame(Traffic& traffic) {
         {traffic.writes - before.writes, traffic.cutShort - before.cutShort, traffic.bytes - before.bytes}};
 }
 
+/// The reader ends only once the session has.
+struct SessionEnd {
+    ~SessionEnd() { gf_resetSimLink(); }
+};
+
 }  // namespace
 
 Rows frameFlushRows() {
     Traffic traffic;
     Drain drain;
+    const SessionEnd sessionEnd;
     connect(drain.port(), traffic);
     dispatch();
     double mean = 1e9, p99 = 1e9;
@@ -164,7 +170,6 @@ Rows frameFlushRows() {
         mean = std::min(mean, sum / frames);
         p99 = std::min(p99, quantile(times, 0.99));
     }
-    gf_resetSimLink();
     require(bytes > poses * 100, "the frame was not sent");
     require(mostWrites > 0, "the socket never took a frame whole");
     const std::string what = fmt::format("{} poses, {} events, {} creations, {} removals", poses,

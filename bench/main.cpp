@@ -76,7 +76,9 @@ void writeTable(const std::string& file, const std::string& table) {
 }
 
 int run(const Options& options) {
+    require(options.only.empty() || options.file.empty(), "a part of the table is not written");
     const Rows rows = measureAll(options.only);
+    require(rows.size() > 1, "no measurement of that name");
     const std::string table =
         fmt::format("Measured on {}, {} hardware threads, g++ {}, the least of {} runs.\n\n{}",
                     gf_dateString(), std::thread::hardware_concurrency(), __VERSION__, runs, tableText(rows));

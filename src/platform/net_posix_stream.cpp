@@ -96,7 +96,8 @@ class PosixByteStream : public ByteStream {
         if (state_ != State::open) return state_ == State::failed ? -1 : 0;
         const auto sent = ::send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
         if (sent >= 0) return sent;
-        return errno == EAGAIN || errno == EINTR ? 0 : die();
+        // What the other side said last can still be read.
+        return errno == EAGAIN || errno == EINTR ? 0 : -1;
     }
 
     int64_t read(std::span<std::byte> buffer) override {

@@ -58,6 +58,8 @@ def stop_while_waiting_for_the_simulator(world):
     """SIGTERM while no simulator is there ends the program in order, and a second run works likewise."""
     for turn in range(2):
         program = world.program(f"run{turn}")
+        # The log of the run before is there until the new run has rotated it.
+        world.wait_for(lambda: turn == 0 or (world.run_folder / "Log0.txt").exists(), "the log is rotated")
         world.wait_for_log("Waiting for MSFS 2020")
         stop_and_check(world, program)
     world.check((world.run_folder / "Log0.txt").exists(), "the log of the run before is kept")
