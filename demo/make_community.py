@@ -169,7 +169,6 @@ def write_manifest(package, title):
 def write_faulty(folder, rng):
     """Files whose faults the scan has to report or to bear; together they still hold some good liveries."""
     plain = FORMS[0]
-    bad = Livery
 
     def cfg(name, lines, form=plain, file="aircraft.cfg"):
         write_text(folder / name / file, lines, form)
@@ -177,18 +176,18 @@ def write_faulty(folder, rng):
     (folder / "empty").mkdir(parents=True, exist_ok=True)
     (folder / "empty" / "aircraft.cfg").write_bytes(b"")
     cfg("no_sections", general(plain, "A320"))
-    cfg("no_general", section(plain, 0, bad("DLH", "A320", extra="no general"), rng))
-    cfg("unknown_type", general(plain, "XQ9Z") + section(plain, 0, bad("DLH", "A320", extra="unknown type"), rng))
-    cfg("fixed_type", general(plain, "B73H") + section(plain, 0, bad("TUI", "B738", extra="fixed type"), rng))
-    cfg("long_type", general(plain, "B738 Winglets") + section(plain, 0, bad("TUI", "B738", extra="long type"), rng))
-    cfg("number_too_high", general(plain, "A320") + section(plain, 10001, bad("DLH", "A320", extra="high number"), rng))
-    cfg("number_none", general(plain, "A320") + section(plain, "x", bad("DLH", "A320", extra="no number"), rng))
+    cfg("no_general", section(plain, 0, Livery("DLH", "A320", extra="no general"), rng))
+    cfg("unknown_type", general(plain, "XQ9Z") + section(plain, 0, Livery("DLH", "A320", extra="unknown type"), rng))
+    cfg("fixed_type", general(plain, "B73H") + section(plain, 0, Livery("TUI", "B738", extra="fixed type"), rng))
+    cfg("long_type", general(plain, "B738 Winglets") + section(plain, 0, Livery("TUI", "B738", extra="long type"), rng))
+    cfg("number_too_high", general(plain, "A320") + section(plain, 10001, Livery("DLH", "A320", extra="high number"), rng))
+    cfg("number_none", general(plain, "A320") + section(plain, "x", Livery("DLH", "A320", extra="no number"), rng))
     cfg("upper_case", general(plain, "A320") + [line.replace("fltsim", "FLTSIM") for line in
-                                               section(plain, 0, bad("AEE", "A320", extra="upper"), rng)],
+                                               section(plain, 0, Livery("AEE", "A320", extra="upper"), rng)],
         file="AIRCRAFT.CFG")
     cfg("mixed_keys", ["[General]", "ICAO_Type_Designator=A320", "", "[fltsim.0]", "Title=AI A320 mixed keys",
                        "ICAO_Airline=DLH", ""])
-    doubled = bad("KLM", "B738", extra="doubled")
+    doubled = Livery("KLM", "B738", extra="doubled")
     cfg("doubled_title", general(plain, "B738") + section(plain, 0, doubled, rng) + section(plain, 1, doubled, rng))
     cfg("two_titles", general(plain, "B738") + ["[fltsim.0]", "title=AI B738 one", "title=AI B738 two",
                                                 "icao_airline=KLM", ""])

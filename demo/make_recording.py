@@ -10,6 +10,7 @@ import json
 import math
 import random
 import sys
+from dataclasses import replace
 from pathlib import Path
 
 import admission
@@ -74,9 +75,8 @@ def reports(scene, flight, number):
     longest = scene.seconds - flight.start
     states = fly(flight.points, flight.performance, scene.elevation, longest)
     if states[-1].ground and not flight.vehicle:
-        for i in range(1, int(TAXI_STOP / STEP)):
-            last = states[-1]
-            states.append(type(last)(last.t + STEP, last.x, last.y, last.height, 0.0, 0.0, 0.0, True))
+        for _ in range(1, int(TAXI_STOP / STEP)):
+            states.append(replace(states[-1], t=states[-1].t + STEP, speed=0.0, vertical=0.0, turn=0.0))
     rng = random.Random(number)
     broken = sorted(flight.broken)
     phase = (number * 37 % 10) / 10 * flight.every

@@ -1,11 +1,12 @@
-// The process: one instance a user, the log, and the loop that starts one run after the other. SIGINT and SIGTERM are
-// the close button. Without a window the message line and the figures go to standard output.
+// The process: one instance a user, the log, and the loop that starts one run after the other. SIGINT and
+// SIGTERM are the close button. Without a window the message line and the figures go to standard output.
 #include <fmt/format.h>
 
 #include <clocale>
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <system_error>
 
 #include "core/clock.h"
 #include "core/folders.h"
@@ -48,8 +49,8 @@ class Console {
 
 bool makeProgramFolder() {
     const auto folder = skl::gf_programDataPath();
-    if (std::filesystem::is_directory(folder)) return true;
     std::error_code error;
+    if (std::filesystem::is_directory(folder, error)) return true;
     std::filesystem::create_directories(folder, error);
     if (!error) return true;
     skl::gf_log(fmt::format("Failed to create directory: {}", skl::gf_pathText(folder)));
@@ -66,7 +67,8 @@ int main() {
     skl::gf_startLog();
     if (!makeProgramFolder()) return 0;
     skl::platform::watchStopSignals([] {
-        skl::gf_showMessage(fmt::format("Close window button clicked, closing {} ...", skl::programName), false);
+        skl::gf_showMessage(fmt::format("Close window button clicked, closing {} ...", skl::programName),
+                            false);
         skl::gf_requestClose();
     });
     skl::gf_postStartRun();

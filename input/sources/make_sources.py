@@ -108,6 +108,8 @@ def make_dbase(type_rows, airline_rows):
     similar = [line.split() for line in rows("similar.txt")]
     for row in similar:
         check(types, row, "similar.txt")
+        if len({next((i for i, group in enumerate(groups) if name in group), None) for name in row}) > 1:
+            problems.append(f"similar.txt: {' '.join(row)} are of several categories")
 
     spans = [line.split() for line in rows("wingspans.txt")]
     check(types, [name for name, _ in spans], "wingspans.txt")

@@ -13,7 +13,7 @@ void gf_showError(std::string_view text);
 /// Counts g_messageAge up, and takes the message away when it has stood for 25 heartbeats. Worker, at each
 /// heartbeat.
 void gf_ageMessage();
-/// Empties both texts.
+/// Empties both texts, an error too.
 void gf_resetMessages();
 
 /// The text of what a thread's outermost frame has caught; call it inside a catch block.

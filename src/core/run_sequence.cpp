@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <system_error>
 #include <thread>
 
 #include "core/clock.h"
@@ -62,7 +63,8 @@ void settleInstallPath() {
 }
 
 void findRealTraffic() {
-    g_realTrafficHere = fs::exists(gf_appDataPath() / "InsideSystems" / "RealTraffic.jar");
+    std::error_code unreadable;  // then it is not there for us
+    g_realTrafficHere = fs::exists(gf_appDataPath() / "InsideSystems" / "RealTraffic.jar", unreadable);
     gf_showMessage(fmt::format("RealTraffic {}detected at this PC", g_realTrafficHere ? "" : "not "), true);
 }
 
@@ -87,7 +89,8 @@ void lf_prepareRun() {
 void lf_loadData() {
     workerLimit = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
     if (!fs::exists(paths::liveriesScanned) && !SCAN_LIVERIES.value) {
-        gf_showMessage(fmt::format("File {} is gone, rescan liveries", gf_pathText(paths::liveriesScanned)), true);
+        gf_showMessage(fmt::format("File {} is gone, rescan liveries", gf_pathText(paths::liveriesScanned)),
+                       true);
         SCAN_LIVERIES.value = true;
         gf_saveParameter(SCAN_LIVERIES);
     }
@@ -102,8 +105,8 @@ void lf_loadData() {
 void lf_run() {
     try {
         if (!fs::is_directory(paths::docs))
-            throw UserErrorException(41,
-                                     fmt::format("{} must be run from the {} folder!", programName, programName));
+            throw UserErrorException(
+                41, fmt::format("{} must be run from the {} folder!", programName, programName));
         lf_prepareRun();
         lf_loadData();
         if (!gf_stopping())

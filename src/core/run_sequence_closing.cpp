@@ -24,8 +24,6 @@ namespace skl {
 
 namespace {
 
-using std::chrono::milliseconds;
-
 /// The error stays on the panel until the user closes the program or gives the setting that was wrong.
 void holdError() {
     g_holdingError = true;
@@ -47,11 +45,7 @@ bool restartWanted() {
 }
 
 void prepareRestart() {
-    {
-        LockGuard guard(g_panelLock);
-        g_panel.errorText.clear();
-    }
-    gf_clearMessage();
+    gf_resetMessages();
     gf_showMessage("Prepare for a restart ...", false);
     gf_log("Prepare for a restart ...");
     if (g_exitReason == ExitReason::newSettings) return;
@@ -78,7 +72,7 @@ void closeRun() {
     }
     lf_endThreads();
     gf_closeLink();
-    if (g_exitReason == ExitReason::systemError && !g_userClosing) holdError();
+    if (g_exitReason == ExitReason::systemError) holdError();
     liveryMemory.clear();
     clearText(DESTINATION);
     clearText(BLOCK_CALLSIGN);
@@ -100,8 +94,8 @@ void closeRun() {
 void lf_closingDown() {
     try {
         closeRun();
-    } catch (const std::exception& error) {
-        const std::string text = fmt::format("{} exception {}", "lf_closingDown", error.what());
+    } catch (...) {
+        const std::string text = fmt::format("{} exception {}", "lf_closingDown", gf_currentExceptionText());
         gf_showMessage(text, false);
         gf_log(text);
         g_restartPending = false;
@@ -118,9 +112,10 @@ void lf_restartCountdown() {
     if (seconds < 1) return;
     gf_log(fmt::format("Restarting after {} seconds\n\n\n\n\n", seconds));
     for (int32_t left = seconds; left > 0; --left) {
-        gf_showMessage(fmt::format("Restarting after {} second{}", left, gf_plural(static_cast<uint64_t>(left))),
-                       false);
-        if (gf_waitUntil(gf_steadyNow() + std::chrono::seconds(1), [] { return g_userClosing.load(); })) return;
+        gf_showMessage(
+            fmt::format("Restarting after {} second{}", left, gf_plural(static_cast<uint64_t>(left))), false);
+        if (gf_waitUntil(gf_steadyNow() + std::chrono::seconds(1), [] { return g_userClosing.load(); }))
+            return;
     }
 }
 

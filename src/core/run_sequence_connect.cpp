@@ -117,6 +117,7 @@ void lf_connectAndCycle() {
     gf_setFilterPos(engineUser.pos());
     const Nanos patience = gf_steadyNow() + std::chrono::seconds(15);
     gf_waitUntil(patience, [] { return gf_feedTimestamp() != 0 || gf_stopping(); });
+    if (gf_stopping()) return;
     if (gf_feedTimestamp() == 0) gf_log("No traffic in this region?");
     lf_mainCycle();
 }

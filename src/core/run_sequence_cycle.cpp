@@ -1,6 +1,8 @@
 // The cycle: a tick every 10 ms, and the work that hangs on the heartbeats of the simulator.
 #include <fmt/format.h>
 
+#include <cmath>
+
 #include "core/clock.h"
 #include "core/folders.h"
 #include "core/locks.h"
@@ -28,13 +30,16 @@ namespace {
 constexpr Nanos tick = std::chrono::milliseconds(10);
 constexpr Nanos lateness = std::chrono::milliseconds(5);
 constexpr int32_t secondsOfADay = 86400;
+constexpr double latestStamp = 1e11;  // seconds
 
 int32_t pauseCountdown = 0;
 
 /// The feed's time where it is shifted against the present, else the system's.
 WeekSlot currentSlot() {
     const double feedTime = gf_feedTimestamp();
-    if (rtLevel2 && feedTime != 0) return gf_weekSlotOf(static_cast<int64_t>(feedTime));
+    // A damaged record may carry a stamp that no calendar holds.
+    const bool sane = feedTime != 0 && std::abs(feedTime) < latestStamp;
+    if (rtLevel2 && sane) return gf_weekSlotOf(static_cast<int64_t>(feedTime));
     return gf_weekSlotOf(gf_utcSeconds());
 }
 
@@ -44,7 +49,7 @@ void acceptTraffic() {
     g_acceptTraffic = gf_linkAllowsTraffic();
 }
 
-/// While a scan of a day's data can be wanted: both the seconds' remainders and their order are fixed.
+/// The work of all seconds but each fifteenth; odd periods keep it spread out.
 void everyOtherSecond(int32_t second) {
     if (second % 59 == 0) gf_updateReaderLamps();
     if (second % 62 == 0 && CALLSIGN_OBJECTIDS.value && sim2020) lf_writeObjectList();
@@ -82,7 +87,8 @@ bool lf_cycleTick() {
     }
     lf_engineTick();
     bool beat = true;
-    if (!g_secondTick.compare_exchange_strong(beat, false)) return true;
+    // A simulator that hangs sends no more heartbeats: the stop must not wait for one.
+    if (!g_secondTick.compare_exchange_strong(beat, false)) return !gf_stopping();
     lf_everySecond();
     if (gf_stopping()) return false;
     const int32_t second = g_seconds;

@@ -22,16 +22,8 @@ namespace {
 
 constexpr int32_t settleTicks = 200;
 constexpr int32_t firstToggle = 50, secondToggle = 100;
-constexpr size_t toleratedRefusals = 20;
+constexpr size_t refusalsThatEndARun = 20;
 constexpr int32_t served = -1;
-
-void landOnSpawn(LiveAc& record) {
-    record.onGround = true;
-    if (record.category != AcCategory::Rotorcraft) simEvent(record.objectId, ev::gearSet, 1);
-    record.dAlt = 0;
-    record.groundCount = 1;
-    if (record.stage == FlightStage::parked) record.parkedAt = gf_weekSlotNow();
-}
 
 void spoilersIn(const LiveAc& record) {
     if (record.category != AcCategory::Rotorcraft) simEvent(record.objectId, ev::spoilersSet, 0);
@@ -78,10 +70,18 @@ void activate(const SimMsg& message) {
 
 }  // namespace
 
+void lf_landOnSpawn(LiveAc& record) {
+    record.onGround = true;
+    if (record.category != AcCategory::Rotorcraft) simEvent(record.objectId, ev::gearSet, 1);
+    record.dAlt = 0;
+    record.groundCount = 1;
+    if (record.stage == FlightStage::parked) record.parkedAt = gf_weekSlotNow();
+}
+
 bool lf_objectIdentified(LiveAc& record, const SimMsg& message) {
     lf_setObjectId(record, message.objectId);
     record.agl = message.b;
-    if (!record.stream.empty() && !record.stream.front().airborne) landOnSpawn(record);
+    if (!record.stream.empty() && !record.stream.front().airborne) lf_landOnSpawn(record);
     gf_requestStaticData(record.objectId);
     return true;
 }
@@ -121,7 +121,7 @@ void lf_objectRefused(const LiveAc& record) {
     if (gf_stopping()) return;
     gf_showMessage(fmt::format("{} '{}' could not be created by your Sim!", record.callsign, record.title),
                    true);
-    if (gf_addUncreatable(record.title, record.model + ' ' + record.airline) < toleratedRefusals) return;
+    if (gf_addUncreatable(record.title, record.model + ' ' + record.airline) < refusalsThatEndARun) return;
     const std::string text =
         fmt::format("There are too many liveries that could not be created by {}!", "MSFS");
     gf_log(fmt::format("\n{}Error 81, {}\n", "===> ", text));

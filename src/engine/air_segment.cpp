@@ -1,3 +1,4 @@
+// See the header.
 #include "engine/air_segment.h"
 
 #include <algorithm>
@@ -118,12 +119,6 @@ void setClimb(LiveAc& record) {
     }
 }
 
-/// Negative is nose up.
-double pitchFor(double vs) {
-    const double v = vs < 0 ? std::max(vs, -3000.0) / 2 : std::min(vs, 2400.0);
-    return levelPitch - v / 600 * pitchPer600Fpm;
-}
-
 double headingChange(const LiveAc& record, const LivePos& next) {
     const double limit = record.landing ? lowAglLanding : lowAgl;
     if (next.hasTrueHeading && next.roll && next.trueHeading && record.agl < limit)
@@ -162,7 +157,7 @@ void lf_setupAirSegment(LiveAc& record, LivePos& next) {
     const CategoryConstants& limits = gf_categoryConstants(record.category);
     const double ticks = lf_segmentTicks(record);
     if (record.flareState == 0 && record.stage != FlightStage::take_off)
-        record.dPitch = std::clamp((pitchFor(target.vs) - record.simPitch) / ticks, -limits.maxPitchRate,
+        record.dPitch = std::clamp((lf_pitchFor(target.vs) - record.simPitch) / ticks, -limits.maxPitchRate,
                                    limits.maxPitchRate);
     const double turn = headingChange(record, target);
     record.dHeading = turn / ticks;
@@ -172,6 +167,11 @@ void lf_setupAirSegment(LiveAc& record, LivePos& next) {
         const double bank = std::clamp(-turn, -limits.maxBank, limits.maxBank);
         record.dBank = std::clamp((bank - record.simBank) / ticks, -limits.maxBankRate, limits.maxBankRate);
     }
+}
+
+double lf_pitchFor(double vs) {
+    const double v = vs < 0 ? std::max(vs, -3000.0) / 2 : std::min(vs, 2400.0);
+    return levelPitch - v / 600 * pitchPer600Fpm;
 }
 
 double lf_sinkRate(const LiveAc& record) {

@@ -9,7 +9,6 @@
 #include "engine/slack.h"
 #include "engine/spawning.h"
 #include "engine/update_cycle.h"
-#include "parking/park_airport.h"
 
 namespace skl {
 
@@ -67,12 +66,6 @@ bool isDropped(LiveAc& record, const TrafficUpdate& update) {
     return true;
 }
 
-/// A report at the height of the airport in sight, before anything is shown: most likely one on its ground.
-bool hugsTheAirport(const LivePos& pos) {
-    return gf_airportInSight() && pos.alt > 0 && pos.alt < 10000 &&
-           std::abs(pos.alt - parkAirport.alt) <= 120;
-}
-
 }  // namespace
 
 void lf_decodeUpdate(TrafficUpdate& update) {
@@ -87,7 +80,7 @@ void lf_decodeUpdate(TrafficUpdate& update) {
         record->simState == SimObjectState::removingfromsim)
         return;
     if (!record->stream.empty() && isDropped(*record, update)) return;
-    if (record->simState == SimObjectState::buffer && hugsTheAirport(update.pos)) return;
+    if (record->simState == SimObjectState::buffer && lf_atFieldHeight(update.pos.alt)) return;
     if (!lf_refreshIdentity(*record, update)) return;
     record->lastFeedTime = update.feedTime;
     decodeExisting(*record, update.pos);

@@ -21,7 +21,7 @@ constexpr int32_t resumeTicks = 15 * ticksPerSecond;
 constexpr size_t resumeLookBack = 6;
 constexpr double backwards = toRad(100);
 
-bool withHoldingLeft(LiveAc& record, const LivePos& pos) {
+bool leavesHolding(LiveAc& record, const LivePos& pos) {
     if (!record.holding || record.stream.empty()) return false;
     const double limit = HOLDING_THRESHOLD_METERS.value / metersPerNm;
     if (gf_distanceNm(record.stream.front().pos(), pos.pos()) <= limit) return false;
@@ -58,7 +58,7 @@ void append(LiveAc& record, LivePos& pos) {
 
 void extend(LiveAc& record, LivePos& pos) {
     auto& stream = record.stream;
-    if (stream.size() > longestStream || withHoldingLeft(record, pos)) {
+    if (stream.size() > longestStream || leavesHolding(record, pos)) {
         removeAircraftFromSim(record);
         return;
     }

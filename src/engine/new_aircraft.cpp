@@ -2,6 +2,7 @@
 // its type, its category or its height.
 #include <fmt/format.h>
 
+#include <cmath>
 #include <exception>
 
 #include "core/log.h"
@@ -27,30 +28,9 @@ std::string knownType(const TrafficUpdate& update) {
     return known ? known->type : std::string();
 }
 
-bool mayBeShown(AcCategory category) {
-    switch (category) {
-        case AcCategory::Light:
-            return LIGHT_AIRCRAFT.value;
-        case AcCategory::HighPerf:
-            return HIGH_PERF_AIRCRAFT.value;
-        case AcCategory::Rotorcraft:
-            return HELICOPTERS.value;
-        case AcCategory::Buzjets:
-        case AcCategory::Large:
-        case AcCategory::Heavy:
-            return true;
-    }
-    return false;
-}
-
-/// An airborne report at the height of the airport in sight: most likely one on its ground.
-bool atFieldHeight(double alt) {
-    return gf_airportInSight() && alt > 0 && alt < 10000 && std::abs(alt - parkAirport.alt) <= 120;
-}
-
 void addRecord(const TrafficUpdate& update) {
     const std::string model = knownType(update);
-    if (model.empty() || !mayBeShown(gf_category(model)) || atFieldHeight(update.pos.alt)) return;
+    if (model.empty() || !lf_categoryWanted(gf_category(model)) || lf_atFieldHeight(update.pos.alt)) return;
     LiveAc record;
     record.airline = update.airline;
     record.model = model;
@@ -66,6 +46,26 @@ void addRecord(const TrafficUpdate& update) {
 }
 
 }  // namespace
+
+bool lf_categoryWanted(AcCategory category) {
+    switch (category) {
+        case AcCategory::Light:
+            return LIGHT_AIRCRAFT.value;
+        case AcCategory::HighPerf:
+            return HIGH_PERF_AIRCRAFT.value;
+        case AcCategory::Rotorcraft:
+            return HELICOPTERS.value;
+        case AcCategory::Buzjets:
+        case AcCategory::Large:
+        case AcCategory::Heavy:
+            return true;
+    }
+    return false;
+}
+
+bool lf_atFieldHeight(double alt) {
+    return gf_airportInSight() && alt > 0 && alt < 10000 && std::abs(alt - parkAirport.alt) <= 120;
+}
 
 void lf_newAircraft(const TrafficUpdate& update) {
     try {

@@ -1,9 +1,9 @@
 // What an aircraft does when its reports have run out: some predicted points along its heading, slower and
 // slower in the air, then it goes.
-#include <cmath>
+#include <algorithm>
 
-#include "core/parameters.h"
 #include "engine/slack.h"
+#include "engine/spawning.h"
 #include "engine/update_cycle.h"
 #include "panel/traffic_range.h"
 #include "simlink/user_aircraft.h"
@@ -16,21 +16,8 @@ constexpr int32_t airPoints = 8, groundPoints = 10, parkedPoints = 1;
 constexpr int32_t airSeconds = 8, groundSeconds = 3;
 constexpr double rangeMarginNm = 0.5;
 
-bool categoryAllowed(AcCategory category) {
-    switch (category) {
-        case AcCategory::Light:
-            return LIGHT_AIRCRAFT.value;
-        case AcCategory::HighPerf:
-            return HIGH_PERF_AIRCRAFT.value;
-        case AcCategory::Rotorcraft:
-            return HELICOPTERS.value;
-        default:
-            return true;
-    }
-}
-
 int32_t pointsToPredict(const LiveAc& record) {
-    if (!categoryAllowed(record.category)) return 0;
+    if (!lf_categoryWanted(record.category)) return 0;
     if (record.onGround) return record.stage == FlightStage::parked ? parkedPoints : groundPoints;
     const LaLo user = engineUser.pos();
     if (!positionKnown(user)) return airPoints;

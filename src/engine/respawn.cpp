@@ -2,7 +2,6 @@
 // the stream goes on.
 #include <fmt/format.h>
 
-#include <cmath>
 #include <exception>
 
 #include "core/log.h"
@@ -12,6 +11,7 @@
 #include "engine/engine_state.h"
 #include "engine/live_table.h"
 #include "engine/spawning.h"
+#include "engine/update_cycle.h"
 #include "liveries/catalogue.h"
 #include "panel/requests.h"
 #include "parking/park_airport.h"
@@ -109,15 +109,9 @@ bool otherCallsign(const LiveAc& record, const TrafficUpdate& update) {
            update.callsign != record.regcode;
 }
 
-/// The ghost of an aircraft that is here under its own callsign.
-bool ghostOfAnother(const TrafficUpdate& update) {
-    const std::string_view callsign = update.callsign;
-    return callsign.ends_with('_') && lf_findLiveByCallsign(callsign.substr(0, callsign.size() - 1));
-}
-
 bool refreshActive(LiveAc& record, const TrafficUpdate& update) {
     // Tested first, so that a report which is refused leaves the record as it was.
-    if (otherCallsign(record, update) && ghostOfAnother(update)) return false;
+    if (otherCallsign(record, update) && lf_ghostOfKnown(update.callsign)) return false;
     bool differs = refreshRoute(record, update);
     if (!differs) differs = refreshRegistration(record, update);
     if (otherCallsign(record, update)) {
@@ -146,7 +140,7 @@ LivePos respawnPoint(LiveAc& record) {
     point.lon = record.simLon;
     point.alt = record.simAlt;
     point.roll = record.simBank;
-    front.stopped = std::abs(front.lat - point.lat) <= 1e-8 && std::abs(front.lon - point.lon) <= 1e-8;
+    front.stopped = lf_samePlace(front.pos(), point.pos());
     return point;
 }
 

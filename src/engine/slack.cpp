@@ -1,3 +1,4 @@
+// See the header.
 #include "engine/slack.h"
 
 #include <algorithm>

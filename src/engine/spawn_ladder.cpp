@@ -53,12 +53,6 @@ void identify(LiveAc& record) {
     if (record.airline.empty()) record.airline = lf_airlineOfCallsign(record.callsign).value_or("PVT");
 }
 
-/// A ghost whose real aircraft is here stays out.
-bool realOneIsHere(const LiveAc& record) {
-    const std::string_view callsign = record.callsign;
-    return callsign.ends_with('_') && lf_findLiveByCallsign(callsign.substr(0, callsign.size() - 1));
-}
-
 }  // namespace
 
 std::optional<std::string> lf_airlineOfCallsign(std::string_view callsign) {
@@ -66,6 +60,10 @@ std::optional<std::string> lf_airlineOfCallsign(std::string_view callsign) {
     const std::string_view letters = callsign.substr(0, 3);
     if (!std::all_of(letters.begin(), letters.end(), isLetter)) return std::nullopt;
     return gf_upper(letters);
+}
+
+bool lf_ghostOfKnown(std::string_view callsign) {
+    return callsign.ends_with('_') && lf_findLiveByCallsign(callsign.substr(0, callsign.size() - 1));
 }
 
 std::string lf_unmatchedKey(const AcBase& record) {
@@ -115,7 +113,7 @@ void lf_handleBuffer(LiveAc& record) {
     }
     identify(record);
     if (validCallsign(record.callsign) && !unmatchedKeys.contains(lf_unmatchedKey(record)) &&
-        !realOneIsHere(record))
+        !lf_ghostOfKnown(record.callsign))
         spawnLiveAc(record);
     else
         record.eraseNow = true;

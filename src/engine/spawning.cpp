@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "core/log.h"
+#include "engine/air_segment.h"
 #include "engine/engine_state.h"
 #include "engine/spawning.h"
 #include "liveries/catalogue.h"
@@ -48,12 +49,6 @@ bool chooseLivery(LiveAc& record) {
     return true;
 }
 
-/// Nose up with the climb, a degree less than level flight with a steep descent; radians.
-double airPitch(double vs) {
-    const double counted = vs > 0 ? std::min(vs, 2400.0) : std::max(vs, -3000.0) / 2;
-    return toRad(-3 - counted / 600 * 2.2);
-}
-
 double firstHeading(const LiveAc& record) {
     if (record.respawnHeading) return *record.respawnHeading;
     if (record.stage == FlightStage::parked) return record.standHeading;
@@ -68,7 +63,7 @@ void takeFirstPose(LiveAc& record) {
     record.simAlt = front.alt;
     record.simVs = front.vs / 60;
     record.simTas = front.tas;
-    record.simPitch = front.airborne ? airPitch(front.vs) : groundPitch;
+    record.simPitch = front.airborne ? lf_pitchFor(front.vs) : groundPitch;
     record.simBank = front.roll.value_or(0);
     record.simHeading = normalizeRad(firstHeading(record));
 }

@@ -18,6 +18,12 @@ namespace skl {
 /// A report of an unknown transponder id: the record is made unless the type, category or height filter
 /// refuses it.
 void lf_newAircraft(const TrafficUpdate& update);
+/// Whether the user wants aircraft of this category.
+bool lf_categoryWanted(AcCategory category);
+/// A report in the air at the height (feet) of the airport in sight: most likely one on its ground.
+bool lf_atFieldHeight(double alt);
+/// A ghost's callsign, and the aircraft that it is the ghost of is here.
+bool lf_ghostOfKnown(std::string_view callsign);
 /// The tests between the table and the simulator; once a tick for a record in "buffer".
 void lf_handleBuffer(LiveAc& record);
 /// Keeps an aircraft from appearing in front of the user. True: the front point was dropped for that.
@@ -35,6 +41,8 @@ bool lf_removeFarthest(double nm);
 // --- what the simulator says
 /// True: the object waits for its activation.
 bool lf_objectIdentified(LiveAc& record, const SimMsg& message);
+/// An object that appears on the ground: wheels down, and a parked one starts its stay.
+void lf_landOnSpawn(LiveAc& record);
 /// Counts the waiting objects on by a tick; under g_eventLock.
 void lf_activatePending();
 void lf_objectRemoved(uint32_t objectId);

@@ -1,3 +1,5 @@
+// The pressure comes as a number or as a text, in hectopascals or in hundredths of an inch of mercury.
+// Anything else is a log line, and the last good value stands.
 #include "feed/qnh_reader.h"
 
 #include <fmt/format.h>

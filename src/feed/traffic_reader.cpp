@@ -1,3 +1,4 @@
+// What other threads set, ask and take of the traffic reader. The decoding itself is in traffic_decoder.cpp.
 #include "feed/traffic_reader.h"
 
 #include <utility>

@@ -1,3 +1,5 @@
+// The life of a reader: its socket is opened by the first step, each further step takes one datagram, and a
+// stop or a failure closes it. Only a failure that no stop explains ends the run.
 #include "feed/udp_reader.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// Winsock's error numbers and their names in the log.
 #include "feed/winsock_text.h"
 
 #include <fmt/format.h>

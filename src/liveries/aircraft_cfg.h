@@ -36,6 +36,11 @@ inline std::string_view lf_plainValue(std::string_view value) {
     return lf_trimmed(lf_unquoted(value));
 }
 
+/// A letter, digit or underscore of ASCII.
+inline bool lf_isWordCharacter(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+}
+
 /// The number of a line that begins a section, as written; "10000" for one that is not well formed.
 std::optional<std::string_view> lf_sectionNumber(std::string_view line);
 inline constexpr int32_t highestSection = 10000;

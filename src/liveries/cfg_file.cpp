@@ -125,13 +125,10 @@ std::string lf_modelOfIvaoPath(std::string_view cfgPath, ScanReports& reports) {
     const auto [package, objects, airplanes, folder, file] = names;
     std::string_view model = folder;
     if (model.starts_with(prefix)) model.remove_prefix(prefix.size());
-    const bool matches =
-        complete && !rest.empty() && (package == "IVAO_MTL" || package == "ivao_x-csl") &&
-        objects == "SimObjects" && airplanes == "Airplanes" && folder.starts_with(prefix) && !model.empty() &&
-        file.size() == 12 && file.starts_with("aircraft") && file.ends_with("cfg") &&
-        std::all_of(model.begin(), model.end(), [](char c) {
-            return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-        });
+    const bool matches = complete && !rest.empty() && (package == "IVAO_MTL" || package == "ivao_x-csl") &&
+                         objects == "SimObjects" && airplanes == "Airplanes" && folder.starts_with(prefix) &&
+                         !model.empty() && file.size() == 12 && file.starts_with("aircraft") &&
+                         file.ends_with("cfg") && std::all_of(model.begin(), model.end(), lf_isWordCharacter);
     if (matches) return judgedModel(std::string(model.substr(0, typeLength)), cfgPath, reports);
     reports.invalidModels.push_back(fmt::format("{:16} in {}", "  ", cfgPath));
     return {};

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <system_error>
 
 #include "core/folders.h"
 #include "core/log.h"
@@ -181,10 +182,6 @@ LiveryData finished(Section& section, uint32_t priority, std::string_view model,
             .cargo = cargo};
 }
 
-bool isWordCharacter(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-}
-
 /// The three characters behind `start` and blanks in a title of one line; nothing if it does not begin that
 /// way.
 std::optional<std::string_view> codeBehind(std::string_view title, std::string_view start) {
@@ -192,7 +189,7 @@ std::optional<std::string_view> codeBehind(std::string_view title, std::string_v
     const size_t place = title.find_first_not_of(" \t\v\f", start.size());
     if (place == std::string_view::npos || place + 3 > title.size()) return std::nullopt;
     const auto code = title.substr(place, 3);
-    if (!std::all_of(code.begin(), code.end(), isWordCharacter)) return std::nullopt;
+    if (!std::all_of(code.begin(), code.end(), lf_isWordCharacter)) return std::nullopt;
     return code;
 }
 
@@ -239,7 +236,8 @@ LiveryData lf_procesIvaoSection(uint32_t priority, CfgLines lines, std::string_v
     Section section{.path = cfgPath, .header = lines.front(), .ivao = true, .reports = reports};
     if (!takeLines(section, lines)) return {};
     const std::string head = fmt::format("{} {}", cfgPath, section.header);
-    if (!std::filesystem::is_directory(gf_findExisting(folder / ("texture." + section.texture)))) {
+    std::error_code ignored;  // a name that no file can have is no folder either
+    if (!std::filesystem::is_directory(gf_findExisting(folder / ("texture." + section.texture)), ignored)) {
         section.incomplete(head + " does not exist");
         return {};
     }

@@ -1,5 +1,6 @@
-// The reference database that ships with the program: types, categories, spans, airlines, publishers, registrations.
-// Filled once a process by gf_readDbase, constant afterwards, read from any thread without a lock.
+// The reference database that ships with the program: types, categories, spans, airlines, publishers,
+// registrations. Filled once a process by gf_readDbase, constant afterwards, read from any thread without a
+// lock.
 #pragma once
 
 #include <map>

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <system_error>
 
 #include "core/folders.h"
 #include "core/log.h"
@@ -49,7 +50,8 @@ void writeReport(const ReportKind& kind) {
     std::sort(lines.begin(), lines.end());
     if (kind.uniqueLines) lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
     const fs::path& folder = kind.isError ? paths::errors : paths::info;
-    fs::create_directories(folder);
+    std::error_code ignored;  // the writing tells of a folder that cannot be made
+    fs::create_directories(folder, ignored);
     const fs::path path = folder / kind.file;
     std::string text;
     for (const auto& line : lines) text.append(line).append("\n");

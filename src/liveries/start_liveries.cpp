@@ -92,7 +92,7 @@ void removeLastReports() {
 
 /// The folder behind a text of the user, or nothing after a log line.
 std::optional<fs::path> usableFolder(const std::string& folder) {
-    const fs::path path = gf_findExisting(fs::path(std::u8string(folder.begin(), folder.end())));
+    const fs::path path = gf_findExisting(gf_nativePath(folder));
     std::error_code ignored;
     if (!fs::exists(path, ignored)) {
         gf_log(folder + " does not exist, skipped!");
@@ -196,6 +196,7 @@ bool gf_scanLiveries(const std::vector<std::string>& folders) {
 
 void gf_startLiveries() {
     if (clearCatalogueRequested.exchange(false)) gf_clearCatalogue();
+    if (gf_stopping()) return;  // an error now would take the place of the stop's reason
     if (!SCAN_LIVERIES.value) {
         gf_loadCatalogue();
         return;

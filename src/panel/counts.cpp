@@ -6,10 +6,10 @@ namespace skl {
 
 void lf_updateCounts() {
     gf_countEngine();
-    uint64_t flying = 0;
+    uint64_t shown = 0;  // but for the parked ones
     for (const LiveAc& record : liveAcs)
-        if (record.simState == SimObjectState::active && record.stage != FlightStage::parked) ++flying;
-    if (g_panel.liveCount.exchange(flying) != flying) gf_invalidate(Band::status);
+        if (record.simState == SimObjectState::active && record.stage != FlightStage::parked) ++shown;
+    if (g_panel.liveCount.exchange(shown) != shown) gf_invalidate(Band::status);
 }
 
 }  // namespace skl

@@ -11,7 +11,7 @@ extern std::atomic<int> savedRange;      ///< the user's RANGE while AUTO_RANGE 
 
 /// Stores `miles`, clamped, in RANGE, and as it comes in the range in force.
 void gf_applyRange(double miles);
-/// From the user's height and the distance to the first park airport; called while AUTO_RANGE is on.
+/// Applies the range that fits the user's height; called while AUTO_RANGE is on. Worker only.
 void gf_autoRange();
 /// The entry of the list of ranges nearest to `miles`, below 7 the value itself.
 int lf_snapRange(int miles);

@@ -1,5 +1,5 @@
-// Sockets behind a seam: the system's own, or those of a test. Errors are Winsock's numbers; -1 and 0 mean what they
-// mean for recv. A broken pipe is an error, never a signal. An object is used by one thread.
+// Sockets behind a seam: the system's own, or those of a test. Errors are Winsock's numbers; -1 and 0 mean
+// what they mean for recv. A broken pipe is an error, never a signal. An object is used by one thread.
 #pragma once
 
 #include <chrono>
@@ -47,7 +47,8 @@ class TcpConnection {
 class TcpListener {
   public:
     virtual ~TcpListener() = default;
-    /// The next connection, waiting up to `timeout` for it; nothing if none has come or on failure (lastError not 0).
+    /// The next connection, waiting up to `timeout` for it; nothing if none has come or on failure (lastError
+    /// not 0).
     virtual std::unique_ptr<TcpConnection> accept(Millis timeout) = 0;
     virtual int lastError() const = 0;
     virtual uint16_t port() const = 0;
@@ -69,7 +70,8 @@ class ByteStream {
 class Network {
   public:
     virtual ~Network() = default;
-    /// Bound to 127.0.0.1 if `loopbackOnly`, else to any address. On failure nothing, and `error` tells the step.
+    /// Bound to 127.0.0.1 if `loopbackOnly`, else to any address. On failure nothing, and `error` tells the
+    /// step.
     virtual std::unique_ptr<UdpSocket> openUdp(uint16_t port, bool loopbackOnly, NetError& error) = 0;
     /// Listens on the port of that text on any address, with the address reused.
     virtual std::unique_ptr<TcpListener> listenTcp(const std::string& port, NetError& error) = 0;

@@ -240,7 +240,9 @@ Network& systemNetwork() {
     return system;
 }
 
-Network& network() { return testNetwork ? *testNetwork : systemNetwork(); }
+Network& network() {
+    return testNetwork ? *testNetwork : systemNetwork();
+}
 
 void setNetwork(Network* network) {
     testNetwork = network;

@@ -1,4 +1,5 @@
-// Small services of the operating system: folders, single instance, files replaced in one step, ending by signal.
+// Small services of the operating system: folders, single instance, files replaced in one step, ending by
+// signal.
 #pragma once
 
 #include <filesystem>
@@ -9,29 +10,29 @@
 
 namespace skl::platform {
 
-/// Roaming is XDG_CONFIG_HOME, local is XDG_DATA_HOME, with their defaults below HOME. Empty if neither is known.
+/// Roaming is XDG_CONFIG_HOME, local is XDG_DATA_HOME, with their defaults below HOME. Empty if neither is
+/// known.
 std::filesystem::path roamingAppData();
 std::filesystem::path localAppData();
 std::filesystem::path homeFolder();
 
-/// Holds the single-instance lock of this user; nothing if another process holds it. Released by the process end.
+/// Holds the single-instance lock of this user; nothing if another process holds it. Released by the process
+/// end.
 class InstanceLock {
   public:
     virtual ~InstanceLock() = default;
 };
 std::unique_ptr<InstanceLock> lockSingleInstance(std::string_view name);
 
-/// Writes beside, flushes to the disk and renames, so that a crash leaves the old or the new file. On failure the old
-/// file stays, nothing is left beside it, and `error` holds the system's text.
+/// Writes beside, flushes to the disk and renames, so that a crash leaves the old or the new file. On failure
+/// the old file stays, nothing is left beside it, and `error` holds the system's text.
 bool replaceFile(const std::filesystem::path& path, std::string_view content, std::string& error);
 
-/// Calls `onStop` on a thread of its own at the first SIGINT or SIGTERM; also makes writes to a gone peer harmless.
-/// To be called before any other thread starts. `stopWatching` ends that thread.
+/// Calls `onStop` on a thread of its own at the first SIGINT or SIGTERM; also makes writes to a gone peer
+/// harmless. To be called before any other thread starts. `stopWatching` ends that thread.
 void watchStopSignals(std::function<void()> onStop);
 void stopWatchingSignals();
 
-/// Whether standard output is a terminal.
-bool outputIsTerminal();
 /// Resident memory now and at its peak, kilobytes; 0 where not known.
 struct MemoryUse {
     uint64_t nowKb = 0;

@@ -145,10 +145,6 @@ void stopWatchingSignals() {
     signalThread().join();
 }
 
-bool outputIsTerminal() {
-    return ::isatty(STDOUT_FILENO) == 1;
-}
-
 MemoryUse memoryUse() {
     MemoryUse use;
     std::ifstream status("/proc/self/status");

@@ -1,3 +1,4 @@
+// The worker's side of the queues: entries are appended under g_simLock and carried out by frame_output.cpp.
 #include "simlink/ai_commands.h"
 
 #include <array>

@@ -1,3 +1,5 @@
+// One handler a kind of message. A handler gets a reader that stands behind the header; one that runs short
+// drops its message.
 #include "simlink/dispatch.h"
 
 #include <fmt/format.h>

@@ -49,7 +49,7 @@ void sendEvents() {
     eventQueue.clear();
 }
 
-void createNow(const CreateRequest& request) {
+void lf_createNow(const CreateRequest& request) {
     if (!simHandle->aiCreateNonAtcAircraft(request.title, request.callsign, request.position,
                                            req::createAircraft)) {
         gf_logError(
@@ -68,7 +68,7 @@ void createNow(const CreateRequest& request) {
 
 void sendCreations() {
     for (const CreateRequest& request : createQueue)
-        if (!g_simError) createNow(request);
+        if (!g_simError) lf_createNow(request);
     createQueue.clear();
 }
 

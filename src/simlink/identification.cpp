@@ -1,3 +1,5 @@
+// The simulator names its new objects by numbers of its own. A reply about one of them carries its tail
+// number, which was the callsign of the request.
 #include "simlink/identification.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,5 @@
+// The SimConnect thread step by step: waiting for the simulator, dispatching, leaving. Behind it the requests
+// that the worker makes.
 #include "simlink/session.h"
 
 #include <fmt/format.h>
@@ -42,7 +44,7 @@ class SimTask : public Task {
         } catch (const std::exception& error) {
             fail(error.what(), ExitReason::simWasClosed);
         } catch (...) {
-            fail(fmt::format("Exception in {}", "SimClient"), ExitReason::simWasClosed);
+            fail("Exception in SimClient", ExitReason::simWasClosed);
         }
         leave();
         return std::nullopt;

@@ -1,3 +1,4 @@
+// The tables of everything that is declared, each row in its place.
 #include "simlink/setup.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The choice between the wire and the maker of a test.
 #include "simlink/simconnect.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// Replies about the user's aircraft, and the values that the other threads read of it.
 #include "simlink/user_aircraft.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,5 @@
+// Simulators fill the model text in many ways: a type, a maker's name, the key of a translated text, nothing.
+// Each known form has a rule here, in a fixed order.
 #include "simlink/user_model.h"
 
 #include <algorithm>

@@ -1,82 +1,27 @@
 // Reading the command line: each option with its value and its bounds.
 #include "standin/realtraffic/options.h"
 
-#include <fmt/format.h>
-
-#include <functional>
-#include <map>
-
-#include "standin/realtraffic/text.h"
+#include "standin/common/options.h"
 
 namespace realtraffic {
 
-namespace {
-
-using Setter = std::function<bool(const std::string&)>;
-
-Setter number(double& target, double low, double high) {
-    return [&target, low, high](const std::string& text) {
-        const auto value = numberOf(text);
-        if (!value || *value < low || *value > high) {
-            return false;
-        }
-        target = *value;
-        return true;
-    };
-}
-
-Setter whole(int& target, int low, int high) {
-    return [&target, low, high](const std::string& text) {
-        double value = 0;
-        if (!number(value, low, high)(text) || value != static_cast<int>(value)) {
-            return false;
-        }
-        target = static_cast<int>(value);
-        return true;
-    };
-}
-
-Setter text(std::string& target) {
-    return [&target](const std::string& value) {
-        target = value;
-        return !value.empty();
-    };
-}
-
-}  // namespace
-
 std::string readOptions(const std::vector<std::string>& arguments, Options& options) {
-    const std::map<std::string, Setter> setters{
-        {"--feed", text(options.feed)},
-        {"--host", text(options.host)},
-        {"--tcp-port", whole(options.tcpPort, 1, 65535)},
-        {"--traffic-port", whole(options.trafficPort, 1, 65535)},
-        {"--weather-port", whole(options.weatherPort, 1, 65535)},
-        {"--level", whole(options.level, 1, 2)},
-        {"--qnh", number(options.qnh, -1e6, 1e6)},
-        {"--speed", number(options.speed, 0.01, 1e6)},
-        {"--wait", number(options.wait, 0, 1e6)},
-        {"--linger", number(options.linger, 0, 1e6)},
-        {"--script", text(options.script)},
+    const std::map<std::string, standin::Setter> setters{
+        {"--feed", standin::text(options.feed)},
+        {"--host", standin::text(options.host)},
+        {"--tcp-port", standin::whole(options.tcpPort, 1, 65535)},
+        {"--traffic-port", standin::whole(options.trafficPort, 1, 65535)},
+        {"--weather-port", standin::whole(options.weatherPort, 1, 65535)},
+        {"--level", standin::whole(options.level, 1, 2)},
+        {"--qnh", standin::number(options.qnh, -1e6, 1e6)},
+        {"--speed", standin::number(options.speed, 0.01, 1e6)},
+        {"--wait", standin::number(options.wait, 0, 1e6)},
+        {"--linger", standin::number(options.linger, 0, 1e6)},
+        {"--script", standin::text(options.script)},
     };
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const auto& name = arguments[i];
-        if (name == "--help" || name == "-h") {
-            options.help = true;
-            return {};
-        }
-        const auto setter = setters.find(name);
-        if (setter == setters.end()) {
-            return fmt::format("unknown option {}, see --help", name);
-        }
-        if (++i == arguments.size()) {
-            return fmt::format("{} needs a value, see --help", name);
-        }
-        if (!setter->second(arguments[i])) {
-            return fmt::format("{} is no value for {}, see --help", arguments[i], name);
-        }
-    }
-    return options.feed.empty() ? "--feed is missing, see --help" : "";
+    const auto complaint = standin::readOptions(arguments, setters, options.help);
+    const bool missing = complaint.empty() && !options.help && options.feed.empty();
+    return missing ? "--feed is missing, see --help" : complaint;
 }
 
 std::string helpText() {

@@ -1,15 +1,15 @@
 // The steps of the player, and its report.
 #include "standin/realtraffic/player.h"
 
-#include <fmt/format.h>
 #include <poll.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <ctime>
 #include <nlohmann/json.hpp>
 
-#include "standin/realtraffic/text.h"
+#include "standin/common/text.h"
 
 namespace realtraffic {
 
@@ -18,6 +18,16 @@ namespace {
 constexpr double kPressureSeconds = 5;
 constexpr std::size_t kEventsKept = 1000;
 constexpr const char* kVersion = "10.0.240";
+constexpr double kForEver = 1e12;
+
+using standin::Argument;
+constexpr auto kCommands = std::to_array<standin::CommandForm>({
+    {"drop-link"},
+    {"reconnect"},
+    {"silent", 0, 1, Argument::kPositive},
+    {"half-reply"},
+    {"raw", 1, 1, Argument::kBytes},
+});
 
 const char* nameOf(Kind kind) {
     switch (kind) {
@@ -47,7 +57,7 @@ Player::Player(Options options, std::function<double()> clock, double utcAtStart
 std::string Player::start() {
     auto complaint = recording_.read(options_.feed);
     if (complaint.empty() && !options_.script.empty()) {
-        complaint = readScript(options_.script, script_);
+        complaint = script_.read(options_.script, kCommands);
     }
     if (complaint.empty()) {
         complaint = traffic_.open();
@@ -59,8 +69,8 @@ void Player::step(double longestWait) {
     now_ = clock_() - startClock_;
     wait(std::min(longestWait, untilNext()));
     now_ = clock_() - startClock_;
-    for (; nextCommand_ < script_.size() && script_[nextCommand_].seconds <= now_; ++nextCommand_) {
-        runScript(script_[nextCommand_]);
+    while (const auto* command = script_.due(now_)) {
+        runScript(*command);
     }
     serveLink();
     if (!playing() && now_ >= options_.wait) {
@@ -74,7 +84,7 @@ void Player::step(double longestWait) {
 }
 
 double Player::untilNext() const {
-    double next = nextCommand_ < script_.size() ? script_[nextCommand_].seconds : now_ + 1;
+    double next = std::min(script_.nextSeconds(), now_ + 1);
     if (playing()) {
         next = std::min(next, nextPressure_);
         if (nextLine_ < recording_.size()) {
@@ -91,31 +101,22 @@ void Player::wait(double seconds) const {
     ::ppoll(&socket, 1, &limit, nullptr);
 }
 
-void Player::runScript(const ScriptCommand& command) {
-    switch (command.command) {
-        case Command::kDropLink:
-            if (link_.up()) {
-                note("dropped");
-            }
-            link_.close();
-            linkWanted_ = false;
-            return;
-        case Command::kReconnect:
-            linkWanted_ = true;
-            return;
-        case Command::kSilent:
-            silentUntil_ = now_ + command.duration;
-            return;
-        case Command::kHalfReply:
-            halfReply_ = true;
-            return;
-        case Command::kRaw:
-            if (traffic_.send(command.bytes)) {
-                ++counts_.raw;
-            } else {
-                ++counts_.unsent;
-            }
-            return;
+void Player::runScript(const standin::ScriptCommand& command) {
+    const auto& name = command.name;
+    if (name == "drop-link") {
+        if (link_.up()) {
+            note("dropped");
+        }
+        link_.close();
+        linkWanted_ = false;
+    } else if (name == "reconnect") {
+        linkWanted_ = true;
+    } else if (name == "silent") {
+        silentUntil_ = now_ + command.number(0, kForEver);
+    } else if (name == "half-reply") {
+        halfReply_ = true;
+    } else if (name == "raw") {
+        ++(traffic_.send(standin::bytesOf(command.arguments[0]).value_or("")) ? counts_.raw : counts_.unsent);
     }
 }
 
@@ -273,10 +274,10 @@ nlohmann::json Player::report() const {
         report["lastPosition"] = lastPosition_->report();
     }
     if (counts_.times > 0) {
-        report["lastTime"] = utf8Of(lastTime_);
+        report["lastTime"] = standin::utf8Of(lastTime_);
     }
     if (counts_.unknown > 0) {
-        report["firstUnknown"] = utf8Of(firstUnknown_);
+        report["firstUnknown"] = standin::utf8Of(firstUnknown_);
     }
     return report;
 }

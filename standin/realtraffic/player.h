@@ -11,31 +11,31 @@
 #include <string_view>
 #include <vector>
 
+#include "standin/common/program.h"
+#include "standin/common/script.h"
 #include "standin/realtraffic/link.h"
 #include "standin/realtraffic/options.h"
 #include "standin/realtraffic/position.h"
 #include "standin/realtraffic/recording.h"
-#include "standin/realtraffic/script.h"
 
 namespace realtraffic {
 
-class Player {
+class Player : public standin::StandIn {
   public:
     // `clock` gives seconds since any moment; `utcAtStart` is seconds since 1970 at the first look at it.
     Player(Options options, std::function<double()> clock, double utcAtStart);
 
-    // Reads the files; gives the complaint for the user, or nothing.
-    std::string start();
-
-    // Waits for the next thing to do, at most so long, and does it.
-    void step(double longestWait);
-    bool ended() const;
-    nlohmann::json report() const;
+    std::string start() override;
+    // It listens nowhere: this is the program's port for the link.
+    int port() const override { return options_.tcpPort; }
+    void step(double longestWait) override;
+    bool ended() const override;
+    nlohmann::json report() const override;
 
   private:
     double untilNext() const;
     void wait(double seconds) const;
-    void runScript(const ScriptCommand& command);
+    void runScript(const standin::ScriptCommand& command);
     void serveLink();
     void handle(std::string_view command);
     void answerVersion();
@@ -54,8 +54,7 @@ class Player {
     double utcAtStart_ = 0;
     double now_ = 0;  // seconds since the start
     Recording recording_;
-    std::vector<ScriptCommand> script_;
-    std::size_t nextCommand_ = 0;
+    standin::Script script_;
 
     Link link_;
     Datagrams traffic_;

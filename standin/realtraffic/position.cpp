@@ -7,7 +7,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "standin/realtraffic/text.h"
+#include "standin/common/text.h"
 
 namespace realtraffic {
 
@@ -21,13 +21,13 @@ constexpr std::array<std::size_t, 3> kWholeNumbers{0, 1, 3};
 }  // namespace
 
 std::optional<Position> positionOf(std::string_view values) {
-    const auto fields = split(values, ';');
+    const auto fields = standin::split(values, ';');
     std::array<double, 7> numbers{};
     if (fields.size() != numbers.size()) {
         return std::nullopt;
     }
     for (std::size_t i = 0; i < numbers.size(); ++i) {
-        const auto number = numberOf(fields[i]);
+        const auto number = standin::numberOf(fields[i]);
         if (!number) {
             return std::nullopt;
         }

@@ -7,10 +7,9 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <fstream>
 #include <optional>
 
-#include "standin/realtraffic/text.h"
+#include "standin/common/text.h"
 
 namespace realtraffic {
 
@@ -33,7 +32,7 @@ std::optional<Stamp> stampOf(std::string_view field) {
     const auto digits = field.substr(0, std::min(field.find('.'), field.size()));
     const bool plain =
         std::all_of(field.begin(), field.end(), [](char c) { return c == '.' || (c >= '0' && c <= '9'); });
-    const auto value = numberOf(field);
+    const auto value = standin::numberOf(field);
     if (!plain || digits.empty() || digits.size() > kMostDigits || !value) {
         return std::nullopt;
     }
@@ -44,26 +43,20 @@ std::optional<Stamp> stampOf(std::string_view field) {
 
 Kind kindOfFields(const std::vector<std::string_view>& fields, bool stamped) {
     const bool whole = fields.size() >= kFields && stamped &&
-                       std::all_of(kNumbers.begin(), kNumbers.end(),
-                                   [&fields](auto number) { return numberOf(fields[number]).has_value(); });
+                       std::all_of(kNumbers.begin(), kNumbers.end(), [&fields](auto number) {
+                           return standin::numberOf(fields[number]).has_value();
+                       });
     if (!whole) {
         return Kind::kBroken;
     }
-    return numberOf(fields[kAltitude]).value_or(0) > 0 ? Kind::kAir : Kind::kGround;
+    return standin::numberOf(fields[kAltitude]).value_or(0) > 0 ? Kind::kAir : Kind::kGround;
 }
 
 }  // namespace
 
 std::string Recording::read(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    if (!in) {
-        return fmt::format("cannot read {}", file);
-    }
-    std::string line;
-    while (std::getline(in, line)) {
-        add(line);
-    }
-    return lines_.empty() ? fmt::format("{} holds no line", file) : "";
+    const auto complaint = standin::readLines(file, [this](const std::string& line) { add(line); });
+    return complaint.empty() && lines_.empty() ? fmt::format("{} holds no line", file) : complaint;
 }
 
 void Recording::add(std::string_view text) {
@@ -76,7 +69,7 @@ void Recording::add(std::string_view text) {
     Line line;
     line.text = text;
     line.seconds = seconds();
-    const auto fields = split(line.text, ',');
+    const auto fields = standin::split(line.text, ',');
     const auto stamp = fields.size() > kStamp ? stampOf(fields[kStamp]) : std::nullopt;
     if (stamp && start_ < 0) {
         start_ = stamp->value;

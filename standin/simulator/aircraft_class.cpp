@@ -5,7 +5,7 @@
 #include <cctype>
 #include <string>
 
-#include "standin/simulator/text.h"
+#include "standin/common/text.h"
 
 namespace simulator {
 
@@ -61,11 +61,11 @@ std::string_view classOfWord(std::string_view word) {
 }  // namespace
 
 std::string_view classOf(std::string_view titleOrType) {
-    auto text = upperCase(titleOrType);
+    auto text = standin::upperCase(titleOrType);
     for (char& c : text) {
         c = std::isalnum(static_cast<unsigned char>(c)) != 0 ? c : ' ';
     }
-    for (const auto& word : words(text)) {
+    for (const auto& word : standin::words(text)) {
         if (const auto found = classOfWord(word); !found.empty()) {
             return found;
         }

@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <array>
 
+#include "standin/common/text.h"
 #include "standin/simulator/sim_events.h"
 #include "standin/simulator/simulator.h"
-#include "standin/simulator/text.h"
 
 namespace simulator {
 
@@ -45,7 +45,7 @@ constexpr auto kSystemEvents = std::to_array<std::string_view>({
 
 Exception Simulator::mapEvent(Client& client, Reader& reader) {
     const auto id = reader.u32();
-    const auto name = upperCase(reader.text(256));
+    const auto name = standin::upperCase(reader.text(256));
     if (!name.empty() && !isSimEvent(name)) {
         return kNameUnrecognized;
     }
@@ -137,7 +137,7 @@ void Simulator::notifyGroups(const Client* sender, std::uint32_t event, const st
 
 Exception Simulator::subscribe(int connection, Client& client, Reader& reader) {
     const auto event = reader.u32();
-    const auto name = lowerCase(reader.text(256));
+    const auto name = standin::lowerCase(reader.text(256));
     if (std::find(kSystemEvents.begin(), kSystemEvents.end(), name) == kSystemEvents.end()) {
         return kNameUnrecognized;
     }

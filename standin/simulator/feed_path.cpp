@@ -1,14 +1,11 @@
 // Reading the recording and measuring against a path.
 #include "standin/simulator/feed_path.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 
+#include "standin/common/text.h"
 #include "standin/simulator/geo.h"
-#include "standin/simulator/text.h"
 
 namespace simulator {
 
@@ -19,16 +16,6 @@ constexpr double kGapSeconds = 30;
 constexpr double kNearEnough = 60;  // metres; farther than that the whole path is searched
 constexpr std::size_t kLookBack = 10;
 constexpr std::size_t kLookAhead = 30;
-
-std::vector<std::string_view> fieldsOf(std::string_view line) {
-    std::vector<std::string_view> fields;
-    for (std::size_t at = 0; at <= line.size();) {
-        const auto comma = std::min(line.find(',', at), line.size());
-        fields.push_back(trimmed(line.substr(at, comma - at)));
-        at = comma + 1;
-    }
-    return fields;
-}
 
 struct Nearest {
     std::size_t segment = 0;
@@ -63,27 +50,21 @@ void compare(const std::vector<FeedReport>& reports, std::size_t segment, double
 }  // namespace
 
 std::string FeedPaths::read(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    if (!in) {
-        return fmt::format("cannot read {}", file);
-    }
-    std::string line;
-    while (std::getline(in, line)) {
-        add(line);
-    }
+    const auto complaint = standin::readLines(file, [this](const std::string& line) { add(line); });
     order();
-    return {};
+    return complaint;
 }
 
 void FeedPaths::add(std::string_view line) {
-    const auto fields = fieldsOf(line);
+    auto fields = standin::split(line, ',');
+    std::transform(fields.begin(), fields.end(), fields.begin(), standin::trimmed);
     if (fields.size() < kFields || line.find(" VEH") != std::string_view::npos || fields[9].empty()) {
         return;
     }
-    const auto lat = numberOf(fields[2]);
-    const auto lon = numberOf(fields[3]);
-    const auto knots = numberOf(fields[8]);
-    const auto time = numberOf(fields[14]);
+    const auto lat = standin::numberOf(fields[2]);
+    const auto lon = standin::numberOf(fields[3]);
+    const auto knots = standin::numberOf(fields[8]);
+    const auto time = standin::numberOf(fields[14]);
     if (lat && lon && knots && time && std::abs(*lat) <= 90 && std::abs(*lon) <= 180) {
         auto& path = paths_[std::string(fields[9])];
         path.reports.push_back({*time, *lat, *lon, *knots});

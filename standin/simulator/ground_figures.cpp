@@ -4,8 +4,8 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "standin/common/text.h"
 #include "standin/simulator/geo.h"
-#include "standin/simulator/text.h"
 
 namespace simulator {
 
@@ -94,7 +94,7 @@ void GroundFigures::window(const Pose& from, const Pose& to, double metresPerSec
 
 nlohmann::json GroundFigures::report() const {
     const auto placeOf = [](const Place& place, const char* unit) {
-        return nlohmann::json{{"tail", utf8Of(place.tail)}, {"t", place.t}, {unit, place.value}};
+        return nlohmann::json{{"tail", standin::utf8Of(place.tail)}, {"t", place.t}, {unit, place.value}};
     };
     nlohmann::json report{
         {"seconds", windows_},

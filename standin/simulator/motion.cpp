@@ -7,9 +7,9 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "standin/common/text.h"
 #include "standin/simulator/aircraft_class.h"
 #include "standin/simulator/geo.h"
-#include "standin/simulator/text.h"
 
 namespace simulator {
 
@@ -42,7 +42,8 @@ void LimitFigure::add(double value, double allowed, const std::string& tail, dou
 nlohmann::json LimitFigure::report() const {
     nlohmann::json report{{"poses", poses_}, {"breaches", breaches_}};
     if (poses_ > 0) {
-        report["worst"] = {{"tail", utf8Of(tail_)}, {"t", t_}, {"value", value_}, {"allowed", allowed_}};
+        report["worst"] = {
+            {"tail", standin::utf8Of(tail_)}, {"t", t_}, {"value", value_}, {"allowed", allowed_}};
     }
     return report;
 }
@@ -57,7 +58,7 @@ void SpreadFigure::add(double value, const std::string& tail, double t) {
 
 nlohmann::json SpreadFigure::report(std::initializer_list<double> quantiles) const {
     nlohmann::json report{
-        {"count", values_.count()}, {"max", values_.most()}, {"tail", utf8Of(tail_)}, {"t", t_}};
+        {"count", values_.count()}, {"max", values_.most()}, {"tail", standin::utf8Of(tail_)}, {"t", t_}};
     for (const double part : quantiles) {
         report[fmt::format("p{:.0f}", part * 100)] = values_.quantile(part);
     }

@@ -1,110 +1,35 @@
 // Reading the command line: each option with its value and its bounds.
 #include "standin/simulator/options.h"
 
-#include <fmt/format.h>
-
-#include <functional>
-#include <map>
-
-#include "standin/simulator/text.h"
+#include "standin/common/options.h"
 
 namespace simulator {
 
-namespace {
-
-using Setter = std::function<bool(const std::string&)>;
-
-Setter number(double& target, double low, double high) {
-    return [&target, low, high](const std::string& text) {
-        const auto value = numberOf(text);
-        if (!value || *value < low || *value > high) {
-            return false;
-        }
-        target = *value;
-        return true;
-    };
-}
-
-Setter number(std::optional<double>& target, double low, double high) {
-    return [&target, low, high](const std::string& text) {
-        double value = 0;
-        if (!number(value, low, high)(text)) {
-            return false;
-        }
-        target = value;
-        return true;
-    };
-}
-
-Setter whole(int& target, int low, int high) {
-    return [&target, low, high](const std::string& text) {
-        double value = 0;
-        if (!number(value, low, high)(text) || value != static_cast<int>(value)) {
-            return false;
-        }
-        target = static_cast<int>(value);
-        return true;
-    };
-}
-
-Setter text(std::string& target) {
-    return [&target](const std::string& value) {
-        target = value;
-        return !value.empty();
-    };
-}
-
-Setter yesNo(bool& target) {
-    return [&target](const std::string& value) {
-        target = value == "1";
-        return value == "0" || value == "1";
-    };
-}
-
-}  // namespace
-
 std::string readOptions(const std::vector<std::string>& arguments, Options& options) {
-    const std::map<std::string, Setter> setters{
-        {"--port", whole(options.port, 0, 65535)},
+    const std::map<std::string, standin::Setter> setters{
+        {"--port", standin::whole(options.port, 0, 65535)},
         {"--sim",
          [&options](const std::string& value) {
              options.sim = value == "2024" ? 2024 : 2020;
              return value == "2020" || value == "2024";
          }},
-        {"--lat", number(options.lat, -89, 89)},
-        {"--lon", number(options.lon, -180, 180)},
-        {"--alt", number(options.alt, -2000, 100000)},
-        {"--heading", number(options.heading, -360, 360)},
-        {"--on-ground", yesNo(options.onGround)},
-        {"--fps", number(options.fps, 1, 500)},
-        {"--seconds", number(options.seconds, 0, 1e7)},
-        {"--elevation", number(options.elevation, -2000, 30000)},
-        {"--slope", number(options.slope, -20, 20)},
-        {"--refuse", text(options.refuse)},
-        {"--user-path", text(options.userPath)},
-        {"--trace", text(options.trace)},
-        {"--trace-hz", number(options.traceHz, 0.1, 500)},
-        {"--script", text(options.script)},
-        {"--feed", text(options.feed)},
+        {"--lat", standin::number(options.lat, -89, 89)},
+        {"--lon", standin::number(options.lon, -180, 180)},
+        {"--alt", standin::number(options.alt, -2000, 100000)},
+        {"--heading", standin::number(options.heading, -360, 360)},
+        {"--on-ground", standin::yesNo(options.onGround)},
+        {"--fps", standin::number(options.fps, 1, 500)},
+        {"--seconds", standin::number(options.seconds, 0, 1e7)},
+        {"--elevation", standin::number(options.elevation, -2000, 30000)},
+        {"--slope", standin::number(options.slope, -20, 20)},
+        {"--refuse", standin::text(options.refuse)},
+        {"--user-path", standin::text(options.userPath)},
+        {"--trace", standin::text(options.trace)},
+        {"--trace-hz", standin::number(options.traceHz, 0.1, 500)},
+        {"--script", standin::text(options.script)},
+        {"--feed", standin::text(options.feed)},
     };
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const auto& name = arguments[i];
-        if (name == "--help" || name == "-h") {
-            options.help = true;
-            return {};
-        }
-        const auto setter = setters.find(name);
-        if (setter == setters.end()) {
-            return fmt::format("unknown option {}, see --help", name);
-        }
-        if (++i == arguments.size()) {
-            return fmt::format("{} needs a value, see --help", name);
-        }
-        if (!setter->second(arguments[i])) {
-            return fmt::format("{} is no value for {}, see --help", arguments[i], name);
-        }
-    }
-    return {};
+    return standin::readOptions(arguments, setters, options.help);
 }
 
 std::string helpText() {

@@ -6,9 +6,9 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
+#include "standin/common/text.h"
 #include "standin/simulator/aircraft_class.h"
 #include "standin/simulator/geo.h"
-#include "standin/simulator/text.h"
 
 namespace simulator {
 
@@ -59,7 +59,8 @@ void Overlaps::look(double t, const World& world) {
 nlohmann::json Overlaps::report() const {
     nlohmann::json report{{"pairs", pairs_.size()}, {"seconds", seconds_}};
     if (!pairs_.empty()) {
-        report["worst"] = {{"tails", {utf8Of(first_), utf8Of(second_)}}, {"t", t_}, {"metres", metres_}};
+        report["worst"] = {
+            {"tails", {standin::utf8Of(first_), standin::utf8Of(second_)}}, {"t", t_}, {"metres", metres_}};
     }
     return report;
 }

@@ -2,6 +2,7 @@
 #include "standin/simulator/simulator.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -11,6 +12,21 @@ namespace {
 
 constexpr double kFramesCaughtUp = 0.25;  // seconds; frames later than that are left out
 constexpr double kForEver = 1e12;
+
+using standin::Argument;
+constexpr auto kCommands = std::to_array<standin::CommandForm>({
+    {"pause"},
+    {"resume"},
+    {"quit"},
+    {"cut"},
+    {"cut-mid-message"},
+    {"stop-reading", 0, 1, Argument::kPositive},
+    {"flight-loaded"},
+    {"teleport", 2, 2, Argument::kNumber},
+    {"foreign-object"},
+    {"late-replies", 1, 1, Argument::kNotNegative},
+    {"wrong-name", 0, 1},
+});
 
 }  // namespace
 
@@ -35,7 +51,7 @@ Simulator::Simulator(Options options, std::function<double()> clock, double utcA
 std::string Simulator::start() {
     std::string complaint;
     if (!options_.script.empty()) {
-        complaint = readScript(options_.script, script_);
+        complaint = script_.read(options_.script, kCommands);
     }
     if (complaint.empty() && !options_.userPath.empty()) {
         complaint = world_.readUserPath(options_.userPath);
@@ -50,10 +66,7 @@ std::string Simulator::start() {
 }
 
 double Simulator::untilNext() const {
-    double next = nextFrame_;
-    if (nextCommand_ < script_.size()) {
-        next = std::min(next, script_[nextCommand_].seconds);
-    }
+    double next = std::min(nextFrame_, script_.nextSeconds());
     for (const auto& [connection, client] : clients_) {
         if (!client.late.empty()) {
             next = std::min(next, client.late.front().first);
@@ -73,8 +86,8 @@ void Simulator::step(double longestWait) {
 }
 
 void Simulator::runDue() {
-    while (nextCommand_ < script_.size() && script_[nextCommand_].seconds <= now_) {
-        runScript(script_[nextCommand_++]);
+    while (const auto* command = script_.due(now_)) {
+        runScript(*command);
     }
     if (!flightStarted_ && flightDue_ >= 0 && now_ >= flightDue_) {
         flightStarted_ = true;
@@ -146,7 +159,7 @@ void Simulator::setRunning(bool running) {
     systemEvent(running ? "unpaused" : "paused", 0);
 }
 
-void Simulator::runScript(const ScriptCommand& command) {
+void Simulator::runScript(const standin::ScriptCommand& command) {
     const auto& name = command.name;
     if (name == "pause" || name == "resume") {
         if (flightStarted_) {
@@ -185,7 +198,7 @@ void Simulator::runScript(const ScriptCommand& command) {
     } else if (name == "foreign-object") {
         foreignObject();
     } else if (name == "late-replies") {
-        lateReplies_ = std::max(0.0, command.number(0, 0));
+        lateReplies_ = command.number(0, 0);
     } else if (name == "wrong-name") {
         applicationName_ = command.arguments.empty() ? "OtherSimulator" : command.arguments[0];
     }

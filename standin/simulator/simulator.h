@@ -5,40 +5,36 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "standin/common/program.h"
+#include "standin/common/script.h"
 #include "standin/simulator/client.h"
 #include "standin/simulator/feed_path.h"
 #include "standin/simulator/motion.h"
 #include "standin/simulator/options.h"
 #include "standin/simulator/overlaps.h"
-#include "standin/simulator/script.h"
 #include "standin/simulator/server.h"
 #include "standin/simulator/trace.h"
 #include "standin/simulator/world.h"
 
 namespace simulator {
 
-class Simulator {
+class Simulator : public standin::StandIn {
   public:
     // `clock` gives seconds since any moment; `utcAtStart` is seconds since 1970 at the first look at it.
     Simulator(Options options, std::function<double()> clock, double utcAtStart);
 
-    // Reads the files and listens; gives the complaint for the user, or nothing.
-    std::string start();
-    int port() const { return server_.port(); }
-
-    // Waits for the next thing to do, at most so long, and does it.
-    void step(double longestWait);
-    bool ended() const { return ended_; }
-    // Tells the clients that the simulator ends.
-    void quit();
-    bool everyoneGone() const { return server_.empty(); }
-    nlohmann::json report() const;
+    std::string start() override;
+    int port() const override { return server_.port(); }
+    void step(double longestWait) override;
+    bool ended() const override { return ended_; }
+    void quit() override;
+    bool everyoneGone() const override { return server_.empty(); }
+    nlohmann::json report() const override;
 
   private:
     // simulator.cpp
@@ -46,7 +42,7 @@ class Simulator {
     void runDue();
     void frame();
     void setRunning(bool running);
-    void runScript(const ScriptCommand& command);
+    void runScript(const standin::ScriptCommand& command);
     double flightTime() const { return flightStarted_ ? now_ - flightStart_ : 0; }
     void each(const std::function<void(int, Client&)>& action);
     void disconnected(int connection);
@@ -100,8 +96,7 @@ class Simulator {
     Server server_;
     Server::Handlers handlers_;
     std::map<int, Client> clients_;
-    std::vector<ScriptCommand> script_;
-    std::size_t nextCommand_ = 0;
+    standin::Script script_;
     Trace trace_;
     FeedPaths feed_;
     Motion motion_;

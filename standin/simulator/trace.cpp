@@ -5,8 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "standin/common/text.h"
 #include "standin/simulator/geo.h"
-#include "standin/simulator/text.h"
 
 namespace simulator {
 
@@ -16,7 +16,7 @@ namespace {
 constexpr double kTremble = 0.005;
 
 std::string jsonText(std::string_view text) {
-    return nlohmann::json(utf8Of(text)).dump();
+    return nlohmann::json(standin::utf8Of(text)).dump();
 }
 
 std::string placeOf(const SimObject& object) {

@@ -4,8 +4,8 @@
 #include <array>
 #include <string>
 
+#include "standin/common/text.h"
 #include "standin/simulator/geo.h"
-#include "standin/simulator/text.h"
 
 namespace simulator {
 
@@ -130,7 +130,7 @@ constexpr auto kUnits = std::to_array<Unit>({
 }  // namespace
 
 const Unit* findUnit(std::string_view name) {
-    const auto wanted = lowerCase(trimmed(name));
+    const auto wanted = standin::lowerCase(standin::trimmed(name));
     for (const auto& unit : kUnits) {
         if (unit.name == wanted) {
             return &unit;

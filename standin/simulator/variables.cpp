@@ -6,8 +6,8 @@
 #include <cmath>
 #include <ctime>
 
+#include "standin/common/text.h"
 #include "standin/simulator/geo.h"
-#include "standin/simulator/text.h"
 #include "standin/simulator/wire.h"
 
 namespace simulator {
@@ -165,15 +165,15 @@ const auto kVariables = std::to_array<Variable>({
 }  // namespace
 
 const Variable* findVariable(std::string_view name, unsigned& index) {
-    auto wanted = upperCase(trimmed(name));
+    auto wanted = standin::upperCase(standin::trimmed(name));
     index = 0;
     if (const auto colon = wanted.find(':'); colon != std::string::npos) {
-        const auto number = numberOf(trimmed(std::string_view(wanted).substr(colon + 1)));
+        const auto number = standin::numberOf(standin::trimmed(std::string_view(wanted).substr(colon + 1)));
         if (!number || *number < 0 || *number > 99 || *number != std::floor(*number)) {
             return nullptr;
         }
         index = static_cast<unsigned>(*number);
-        wanted = trimmed(wanted.substr(0, colon));
+        wanted = standin::trimmed(wanted.substr(0, colon));
     }
     for (const auto& variable : kVariables) {
         if (variable.name == wanted) {

@@ -1,14 +1,11 @@
 // Ground, fall and the user's path.
 #include "standin/simulator/world.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 
+#include "standin/common/text.h"
 #include "standin/simulator/geo.h"
-#include "standin/simulator/text.h"
 
 namespace simulator {
 
@@ -52,34 +49,21 @@ World::World(const Options& options)
 }
 
 std::string World::readUserPath(const std::string& file) {
-    std::ifstream in(file);
-    if (!in) {
-        return fmt::format("cannot read {}", file);
-    }
-    std::string line;
-    for (int number = 1; std::getline(in, line); ++number) {
-        const auto fields = words(line);
-        if (fields.empty() || fields[0].front() == '#') {
-            continue;
-        }
+    const auto complaint = standin::readWords(file, [this](const std::vector<std::string>& fields) {
         std::array<double, 6> values{};
         bool good = fields.size() == values.size();
         for (std::size_t i = 0; good && i < values.size(); ++i) {
-            const auto value = numberOf(fields[i]);
+            const auto value = standin::numberOf(fields[i]);
             good = value.has_value();
             values[i] = value.value_or(0);
         }
         const PathPoint point{values[0], values[1], values[2], values[3], values[4], values[5]};
         good = good && std::abs(point.lat) <= 89 && (path_.empty() || point.seconds > path_.back().seconds);
-        if (!good) {
-            return fmt::format(
-                "{}, line {}: wanted are seconds lat lon alt heading groundspeed, in rising order", file,
-                number);
-        }
         path_.push_back(point);
-    }
+        return good ? "" : "wanted are seconds lat lon alt heading groundspeed, in rising order";
+    });
     moveUser();
-    return {};
+    return complaint;
 }
 
 double World::ground(double lat, double lon) const {

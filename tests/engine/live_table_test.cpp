@@ -1,3 +1,4 @@
+// The table of live aircraft against a plain walk over it.
 #include "engine/live_table.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// Which aircraft are held back because they would appear before the user.
 #include <gtest/gtest.h>
 
 #include "core/parameters.h"

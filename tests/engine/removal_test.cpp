@@ -1,3 +1,4 @@
+// How aircraft go, in every state, and what is told about objects: the callsign question, the object list.
 #include <fmt/format.h>
 
 #include "core/folders.h"

@@ -1,3 +1,4 @@
+// Changes of who an aircraft is, and the object that is replaced for them.
 #include <functional>
 
 #include "core/parameters.h"
@@ -43,6 +44,13 @@ TEST_F(Respawn, TheStreamGoesOnFromThePresentPose) {
     EXPECT_EQ(it.simState, State::adding2sim);
     EXPECT_EQ(it.simHeading, 1.25);
     EXPECT_EQ(it.title, "A320 BAW");
+}
+
+TEST_F(Respawn, OnTheDateLineItStandsWhereItsPointIs) {
+    LiveAc& it = active(anyHexid, "BAW12", 1001, {51, 180});
+    it.simLon = -180;
+    liveryRespawn(it);
+    EXPECT_TRUE(it.stream[1].stopped);
 }
 
 TEST_F(Respawn, AParkedAircraftComesBackAsItStood) {

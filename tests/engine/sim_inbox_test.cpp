@@ -1,3 +1,4 @@
+// What the simulator side tells the engine: heights, static data, identified and refused objects, activation.
 #include <limits>
 
 #include "core/errors.h"

@@ -1,3 +1,5 @@
+// From the first report to an object in the simulator: filters, the ladder of tests, livery, first pose, the
+// pace of the queues.
 #include "engine/spawning.h"
 
 #include <fmt/format.h>
@@ -264,6 +266,47 @@ TEST_F(Spawning, CreationsGoOutAtTheirPace) {
     EXPECT_EQ(simulator.created, 2);  // at ticks 50 and 100
     simulator.run(200);
     EXPECT_EQ(simulator.created, 5);
+}
+
+TEST_F(Spawning, QueuesAreServedAtTheirPaceAndLiveOnesFirst) {
+    removalQueue = {1, 2, 3};
+    creationQueueLive = {{{}, "BAW1", "t", 20001}};
+    creationQueueStatic = {{{}, "S1*", "t", 1}};
+    trafficInbox.resize(5);
+    test::QueueSimulator simulator;
+    simulator.run(1);
+    EXPECT_EQ(removalQueue.size(), 2u);
+    EXPECT_EQ(creationQueueLive.size(), 0u);
+    EXPECT_EQ(trafficInbox.size(), 3u);
+    simulator.run(10);
+    EXPECT_EQ(removalQueue.size(), 1u);
+    simulator.run(39);
+    EXPECT_EQ(creationQueueStatic.size(), 1u);
+    simulator.run(1);  // tick 50
+    EXPECT_EQ(creationQueueStatic.size(), 0u);
+}
+
+// What the simulator will not create leaves the table and may come again; the others are not concerned.
+TEST_F(Spawning, RefusalsAndSharedCallsignsKeepTableAndSimulatorAlike) {
+    test::QueueSimulator simulator;
+    simulator.full = {"BAW1"};
+    simulator.refused = {"KLM2"};
+    buffered(20001, "BAW1");
+    buffered(20002, "KLM2");
+    buffered(20003, "BAW3");
+    buffered(20004, "BAW3").model = "B738";
+    simulator.run(600);
+    EXPECT_FALSE(exists(20001));
+    EXPECT_FALSE(exists(20002));
+    EXPECT_EQ(uncreatableTitles, (std::vector<LiveryRef>{"A320 KLM"}));
+    for (const auto& [id, object] : simulator.objects) EXPECT_EQ(record(object.hexid).objectId, id);
+    EXPECT_EQ(lf_countActive(), 2u);
+    simulator.full.clear();
+    buffered(20001, "BAW1");
+    simulator.run(600);
+    EXPECT_EQ(lf_countActive(), 3u);
+    EXPECT_EQ(simulator.created, 3);
+    EXPECT_TRUE(simulator.removals.empty());
 }
 
 TEST_F(Spawning, AStartWaveIsShownWithoutAQueue) {

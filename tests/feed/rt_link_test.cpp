@@ -15,6 +15,7 @@
 #include "panel/requests.h"
 #include "simlink/user_aircraft.h"
 #include "tests/support/fake_network.h"
+#include "tests/support/hasty_clock.h"
 #include "tests/support/loopback_sockets.h"
 #include "tests/support/stepped_world.h"
 #include "tests/support/temp_folder.h"
@@ -310,6 +311,24 @@ TEST_F(ThreadsLinkTest, OverLoopbackFromTheQuestionToTheExit) {
     EXPECT_EQ(question, "Qs999=version\r\n");
     EXPECT_EQ(report, "Qs121=");
     EXPECT_TRUE(rest.ends_with("\r\nexit\r\n")) << rest;
+}
+
+TEST_F(ThreadsLinkTest, OverLoopbackNothingOrHalfAReplyIsWaitedForFiveSeconds) {
+    test::HastyClock clock;
+    clock.perLook = std::chrono::milliseconds(20);
+    for (const char* reply : {"", R"({"level":2,"ver)"}) {
+        gf_startListener("0");
+        auto link = test::LoopbackSocket::tcpTo(lf_listenPort());
+        link.send(reply);
+        const Nanos begin = clock.steadyNow();
+        gf_rtHandshake();
+        EXPECT_NEAR(std::chrono::duration<double>(clock.steadyNow() - begin).count(), 5, 1) << reply;
+        EXPECT_TRUE(rtConnected && g_panel.feedConnected) << reply;
+        EXPECT_FALSE(rtLevel2) << reply;
+        EXPECT_EQ(link.receive(), "Qs999=version\r\n") << reply;
+        gf_closeLink();
+    }
+    EXPECT_EQ(test::logCount("No RealTraffic version received?"), 2);
 }
 
 TEST_F(ThreadsLinkTest, APeerThatResetsIsNoticedAndItsSuccessorTaken) {

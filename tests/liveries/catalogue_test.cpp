@@ -5,6 +5,7 @@
 
 #include <map>
 
+#include "core/clock.h"
 #include "core/errors.h"
 #include "core/folders.h"
 #include "core/parameters.h"
@@ -76,13 +77,13 @@ class Catalogue : public test::TempFolderTest {
 TEST_F(Catalogue, ManualScanToTables) {
     writeLivery("one", "B738", "KLM", "A", "atc_id=PH-BXA");
     writeLivery("one", "B738", "KLM", "B", "atc_parking_types=CARGO");
-    writeLivery("two", "B738", "KLM", "C");
-    writeLivery("two", "B738", "DLH", "D");
-    writeLivery("two", "C172", "KLM", "A");
+    writeLivery("two/sub", "B738", "KLM", "C");
+    writeLivery("two/sub", "B738", "DLH", "D");
+    writeLivery("two/sub", "C172", "KLM", "A");
     lfolders[0].set("one");
     lfolders[1].set("missing");
     lfolders[3].set("afile");
-    lfolders[9].set("two");
+    lfolders[9].set("TWO\\sub");  // as typed on another system
     test::writeFile("afile", "x");
     test::writeFile("output/errors/InlineRegcodes.txt", "old");
     test::writeFile("output/info/AircraftCfgWithNoFltsimSection.txt", "old");
@@ -101,7 +102,7 @@ TEST_F(Catalogue, ManualScanToTables) {
     EXPECT_FALSE(fs::exists("output/info/AircraftCfgWithNoFltsimSection.txt"));
     for (const char* line :
          {"liveries scan manual starts", "2 liveries found in one", "missing does not exist, skipped!",
-          "afile is not a folder name, skipped!", "2 liveries found in two", "4 in total",
+          "afile is not a folder name, skipped!", "2 liveries found in TWO\\sub", "4 in total",
           "liveries scan ends", "0 registration codes",
           "2 airlines, 1 pax aircraft models and 1 cargo aircraft models",
           "Category Large: 3 pax liveries and 1 cargo liverie", "Category Heavy: No livery found"})
@@ -110,7 +111,7 @@ TEST_F(Catalogue, ManualScanToTables) {
     // The same process again: nothing to do; after a scan everything is read anew.
     gf_startLiveries();
     EXPECT_TRUE(test::logHas("Processing scanned liveries skipped; already done in previous start-up"));
-    writeLivery("two", "B738", "DLH", "E");
+    writeLivery("two/sub", "B738", "DLH", "E");
     SCAN_LIVERIES.value = true;
     gf_startLiveries();
     EXPECT_EQ(titles().size(), 5u);
@@ -151,13 +152,36 @@ TEST_F(Catalogue, RankStopsAtTen) {
     EXPECT_EQ(titles(), (Lines{"A: KLM B738", "B: KLM B738", "D: DLH B738"}));
 }
 
+TEST_F(Catalogue, StopBeforeTheStartRaisesNoError) {
+    gf_requestStop(ExitReason::newSettings, 2);
+    for (const bool scan : {true, false}) {
+        SCAN_LIVERIES.value = scan;
+        EXPECT_EQ(errorOf(gf_startLiveries), "");
+        EXPECT_EQ(SCAN_LIVERIES.value, scan);
+    }
+}
+
+/// The first look at the time, which the wait for the scan's threads takes, asks for a stop.
+class StoppingClock : public Clock {
+  public:
+    Nanos utcNow() override { return {}; }
+    Nanos steadyNow() override {
+        gf_requestStop(ExitReason::newSettings, 2);
+        return {};
+    }
+    bool waitUntil(Nanos, const std::function<bool()>&) override { return false; }
+};
+
 TEST_F(Catalogue, StopInTheMiddleOfAScan) {
     lfolders[0].set("one");
     writeLivery("one", "B738", "KLM", "A");
     gf_startLiveries();
     SCAN_LIVERIES.value = true;
-    gf_requestStop(ExitReason::newSettings, 2);
+    StoppingClock clock;
+    gf_setClock(&clock);
     gf_startLiveries();
+    gf_setClock(nullptr);
+    EXPECT_TRUE(gf_stopping());
     EXPECT_TRUE(SCAN_LIVERIES.value);
     EXPECT_FALSE(catalogueLoaded);
     EXPECT_TRUE(liveriesByAirline.empty());
@@ -265,13 +289,14 @@ TEST_F(Catalogue, SimilarTypes) {
     writeLivery("one", "A321", "KLM", "A");
     writeLivery("one", "B738", "KLM", "B", "atc_parking_types=CARGO");
     writeLivery("one", "A319", "DLH", "C");
+    writeLivery("one", "A319", "KLM", "D");
     gf_startLiveries();
     // A320 stands in two rows: "A320,A319,A321" is less than "A320,B738".
     EXPECT_EQ(similarAvailable.size(), 3u);
     EXPECT_EQ(similarAvailable.at("A320"), (Lines{"A319", "A321"}));
     EXPECT_EQ(similarAvailable.at("A319"), Lines{"A321"});
-    EXPECT_EQ(similarByAirline.at("KLM").at("A320"), Lines{"A321"});
-    EXPECT_FALSE(similarByAirline.at("KLM").contains("A321"));
+    EXPECT_EQ(similarByAirline.at("KLM").at("A320"), (Lines{"A319", "A321"}));
+    EXPECT_FALSE(similarByAirline.at("KLM").contains("A321"));  // KLM has it itself
     EXPECT_EQ(similarByAirline.at("DLH").at("A321"), Lines{"A319"});
     EXPECT_TRUE(test::logHas("3 similar model definitions"));
 }

@@ -294,6 +294,11 @@ TEST_F(CfgSection, IvaoSections) {
          "KLM|B738 KLM||pax",
          {"invalid atc_id=PH-BXA;x* in B738 KLM"}},
         {"no texture folder", "B738", {"title=B738 KLM", "texture=DLH"}, "", {"f [fltsim.0] does not exist"}},
+        {"impossible texture name",
+         "B738",
+         {"title=B738 KLM", "texture=" + std::string(300, 'x')},
+         "",
+         {"f [fltsim.0] does not exist"}},
         {"no title", "B738", {"texture=KLM", "icao_airline=RFO"}, "", {"f [fltsim.0] misses title"}},
         {"spaces in quotes", "B738", {"title=\" B738 KLM \"", "texture=KLM"}, "KLM|B738 KLM||pax", {}},
     };

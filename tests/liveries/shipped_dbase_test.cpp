@@ -48,7 +48,10 @@ TEST_F(ShippedDbase, NamesOnlyWhatItKnows) {
         for (const auto& type : *set) EXPECT_TRUE(gf_isAircraftType(type)) << type;
     for (const auto& row : similarRows) {
         EXPECT_GE(row.size(), 2u);
-        for (const auto& type : row) EXPECT_TRUE(gf_isAircraftType(type)) << type;
+        for (const auto& type : row) {
+            EXPECT_TRUE(gf_isAircraftType(type)) << type;
+            EXPECT_EQ(gf_category(type), gf_category(row.front())) << type << " beside " << row.front();
+        }
     }
     for (const auto& code : cargoOperators) EXPECT_TRUE(gf_isIcaoAirline(code)) << code;
     for (const auto& [wrong, right] : modelFixes) {
@@ -67,9 +70,9 @@ TEST_F(ShippedDbase, SortsTypesAsPilotsWould) {
     const std::map<AcCategory, std::vector<const char*>> cases = {
         {AcCategory::Light, {"C172", "PA34", "PC12", "BE9L", "C208", "DR40", "SR22"}},
         {AcCategory::Buzjets, {"C56X", "GLEX", "E55P", "FA7X", "SF50", "CL60"}},
-        {AcCategory::Large, {"A320", "B738", "E190", "AT76", "CRJ9", "B752", "BCS3", "C130"}},
+        {AcCategory::Large, {"A320", "B738", "E190", "AT76", "CRJ9", "B752", "BCS3", "C130", "CL2T"}},
         {AcCategory::Heavy, {"A388", "B77W", "A359", "B748", "C17", "IL76", "A306", "MD11"}},
-        {AcCategory::HighPerf, {"F16", "EUFI", "HAWK", "SU27", "L39"}},
+        {AcCategory::HighPerf, {"F16", "EUFI", "HAWK", "SU27", "L39", "CNBR"}},
         {AcCategory::Rotorcraft, {"EC35", "R44", "A139", "H60"}}};
     for (const auto& [category, types] : cases)
         for (const char* type : types) {

@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <stdexcept>
 
 #include "core/folders.h"
 #include "core/locks.h"
+#include "core/parameter_store.h"
 #include "core/parameters.h"
 #include "core/run_state.h"
 #include "engine/engine_state.h"
@@ -42,7 +44,8 @@ TEST_F(RunTest, TrafficAppearsFliesAndGoes) {
 }
 
 TEST_F(RunTest, StopAtAnyMomentEndsTheRun) {
-    // The moments: scan, wait for the simulator, for the flight, for RealTraffic, readers' start, first record, cycle.
+    // The moments: scan, wait for the simulator, for the flight, for RealTraffic, readers' start, first
+    // record, cycle.
     for (const double moment : {0.01, 1.0, 2.5, 4.5, 6.0, 9.0, 20.0, 47.0}) {
         SCOPED_TRACE(moment);
         gf_resetRunState();
@@ -99,7 +102,8 @@ TEST_F(RunTest, PauseStopsTimeAndResumeMakesNoJump) {
     world->at(129, [&] {
         resumedAt = engineTick;
         posesResumed = simulatorReport()["posesReceived"];
-        EXPECT_GT(realTraffic->sent.size(), reportsPaused + 50 * 30) << "one position report a second goes on";
+        EXPECT_GT(realTraffic->sent.size(), reportsPaused + 50 * 30)
+            << "one position report a second goes on";
     });
     closeAt(230);
     lf_run();
@@ -139,6 +143,151 @@ TEST_F(RunTest, WrongSimulatorIsHeldUntilClosedOrChanged) {
     lf_run();
     EXPECT_TRUE(g_restartPending);
     EXPECT_TRUE(gf_panelText(&PanelState::errorText).empty());
+}
+
+/// What the panel does when the user types the packages folder: it stores the path and asks for a new run.
+void typePath(const std::string& path) {
+    MSFS_INSTALL_PATH.set(path);
+    gf_saveParameter(MSFS_INSTALL_PATH);
+    gf_requestStop(ExitReason::newSettings, 3);
+}
+
+TEST_F(RunTest, APathTypedUnderTheHeldErrorStartsARunWithIt) {
+    const std::string packages = (root.parent_path() / "packages").string();
+    writeFile(gf_programDataPath() / "parameters.xml",
+              "<parameters><parameter name=\"PROGRAM_VERSION\" value=\"11.0.3\"/>"
+              "<parameter name=\"BLOCK_CALLSIGN\" value=\"DLH100\"/></parameters>");
+    startSimulator();
+    world->at(30, [&] {
+        EXPECT_EQ(
+            gf_panelText(&PanelState::errorText),
+            "150: No install path detected, type full path to your Community folder above, and press Enter");
+        EXPECT_TRUE(ALL_INSTALL_PATH.enabled);
+        EXPECT_TRUE(g_holdingError);
+        typePath(packages + "/Community/");
+    });
+    lf_run();
+    EXPECT_GE(world->seconds(), 33) << "the countdown of 3 seconds";
+    ASSERT_TRUE(g_restartPending);
+    EXPECT_TRUE(SCAN_LIVERIES.value) << "new settings do not cancel a scan";
+    EXPECT_FALSE(logHas("User closed"));
+    EXPECT_TRUE(gf_panelText(&PanelState::errorText).empty());
+    EXPECT_EQ(g_exitReason, ExitReason::notYetSet);
+
+    startRealTraffic();
+    closeAt(world->seconds() + 20);
+    lf_run();
+    EXPECT_EQ(MSFS_INSTALL_PATH.get(), packages) << "the last component is cut off";
+    EXPECT_EQ(logCount("BLOCK_CALLSIGN=DLH100"), 1) << "it does not outlive its run";
+    EXPECT_TRUE(logHas("RealTraffic connected"));
+    EXPECT_EQ(logCount("Error "), 1);
+}
+
+TEST_F(RunTest, NewSettingsBeforeTheScanKeepBothSwitchesAndRestart) {
+    gf_requestStop(ExitReason::newSettings, 2);
+    lf_run();
+    EXPECT_TRUE(logHas("Exiting: NEW SETTINGS"));
+    EXPECT_FALSE(g_userClosing);
+    EXPECT_TRUE(g_restartPending);
+    EXPECT_TRUE(SCAN_LIVERIES.value);
+    closeAt(world->seconds() + 5);
+    lf_run();
+    EXPECT_TRUE(logHas("Exiting: USER CLOSED SIM"));
+    EXPECT_FALSE(SCAN_LIVERIES.value) << "the second run has scanned";
+    EXPECT_TRUE(std::filesystem::exists(paths::liveriesScanned));
+}
+
+TEST_F(RunTest, AReaderThatFailsRestartsWithoutAScan) {
+    startSimulator();
+    startRealTraffic();
+    world->at(30, [&] {
+        SCAN_LIVERIES.value = true;
+        network->breakUdp(qnhPort, 10054);
+    });
+    lf_run();
+    EXPECT_TRUE(logHas("The QNH Reader has stopped with error: receive error: "));
+    EXPECT_TRUE(logHas("Exiting: READER ERROR"));
+    EXPECT_TRUE(logHas("Restarting after 15 seconds"));
+    EXPECT_GE(world->seconds(), 45);
+    EXPECT_TRUE(g_restartPending);
+    EXPECT_FALSE(SCAN_LIVERIES.value);
+}
+
+TEST_F(RunTest, AnExceptionWhileClosingWaitsForTheUser) {
+    std::filesystem::remove_all("docs");
+    world->at(0.2, [] { throw std::runtime_error("disk gone"); });
+    closeAt(30);
+    lf_run();
+    EXPECT_TRUE(logHas("lf_closingDown exception disk gone"));
+    EXPECT_GE(world->seconds(), 30);
+    EXPECT_FALSE(g_restartPending);
+}
+
+TEST_F(RunTest, ASimulatorThatHangsDoesNotHoldUpTheClose) {
+    world->setLimit(200);
+    startSimulator();
+    startRealTraffic();
+    sendTraffic(8, 60, 2);
+    world->at(60, [&] { simulatorHangs = true; });
+    closeAt(62);
+    lf_run();
+    EXPECT_LT(world->seconds(), 64);
+    EXPECT_EQ(world->liveTasks(), 0);
+}
+
+TEST_F(RunTest, AStallIsDroppedNotCaughtUp) {
+    startSimulator();
+    startRealTraffic();
+    sendTraffic(8, 60, 1);
+    int32_t before = 0, after = 0;
+    world->at(50, [&] {
+        before = engineTick;
+        world->waitUntil(world->steadyNow() + std::chrono::milliseconds(2500), {});
+    });
+    world->at(60, [&] { after = engineTick; });
+    closeAt(61);
+    lf_run();
+    EXPECT_NEAR(after - before, 750, 15);
+}
+
+TEST_F(RunTest, NoTrafficIsToldOnceAndTheCycleGoesOn) {
+    startSimulator();
+    startRealTraffic();
+    closeAt(60);
+    lf_run();
+    EXPECT_EQ(logCount("No traffic in this region?"), 1);
+    EXPECT_GT(g_seconds, 20);
+
+    gf_resetRunState();
+    lf_resetForRestart();
+    closeAt(world->seconds() + 10);
+    lf_run();
+    EXPECT_EQ(logCount("RealTraffic connected"), 2);
+    EXPECT_EQ(logCount("No traffic in this region?"), 1) << "a stop is no answer";
+}
+
+TEST_F(RunTest, AShiftedFeedSetsTheWeekSlotAndIsToldTheSimulatorsTime) {
+    feedLevel = 2;
+    feedShift = 3 * 86400;
+    startSimulator();
+    startRealTraffic();
+    sendTraffic(8, 40, 1);
+    const auto slotIn = [this](double shift) {
+        return gf_weekSlotOf(std::chrono::duration_cast<std::chrono::seconds>(world->utcNow()).count() +
+                             static_cast<int64_t>(shift));
+    };
+    world->at(40, [&] {
+        EXPECT_EQ(gf_weekSlotNow(), slotIn(3 * 86400));
+        EXPECT_NE(realTraffic->sent.find("Qs123="), std::string::npos);
+    });
+    // A stamp outside any calendar, behind the last good one.
+    world->at(55, [&] {
+        feedShift = 1e300;
+        report(5000009, 51.5, -0.5, 12000, 0, 300, "DLH9");
+    });
+    world->at(58, [&] { EXPECT_EQ(gf_weekSlotNow(), slotIn(0)); });
+    closeAt(60);
+    lf_run();
 }
 
 TEST_F(RunTest, CloseDuringTheCountdownEndsTheProcess) {

@@ -55,7 +55,8 @@ void RunTest::SetUp() {
     const auto packages = root.parent_path() / "packages";
     std::string config = liveries;
     for (size_t at; (at = config.find("[FLTSIM")) != std::string::npos;) config.replace(at, 7, "[fltsim");
-    writeFile(packages / "Community" / "aig-aitraffic-oci_test" / "SimObjects" / "A320" / "aircraft.cfg", config);
+    writeFile(packages / "Community" / "aig-aitraffic-oci_test" / "SimObjects" / "A320" / "aircraft.cfg",
+              config);
     std::filesystem::create_directories(packages / "Official");
     std::filesystem::create_directories(gf_programDataPath());
     writeFile(gf_programDataPath() / "parameters.xml",
@@ -97,7 +98,7 @@ void RunTest::startSimulator(const std::string& script) {
         options, [w = world.get()] { return w->seconds(); }, 1764000000.0);
     ASSERT_EQ(simulator->start(), "");
     world->every(0.004, [this] {
-        if (simulator && !simulator->ended()) simulator->step(0);
+        if (simulator && !simulatorHangs && !simulator->ended()) simulator->step(0);
     });
     network->onConnect = [this](const std::string&, uint16_t) -> std::unique_ptr<net::ByteStream> {
         if (!simulator) return nullptr;
@@ -108,19 +109,21 @@ void RunTest::startSimulator(const std::string& script) {
 void RunTest::startRealTraffic() {
     world->every(0.5, [this] {
         // One that has left comes back only when the test says so.
-        if (network->listenPort.empty() || (realTraffic && (realTraffic->ended || !realTraffic->dropped))) return;
+        if (network->listenPort.empty() || (realTraffic && (realTraffic->ended || !realTraffic->dropped)))
+            return;
         realTraffic = network->connectClient();
-        realTraffic->say(R"({"level":1,"version":"11.0"})");
+        realTraffic->say(fmt::format(R"({{"level":{},"version":"11.0"}})", feedLevel));
     });
 }
 
 void RunTest::report(uint32_t hexid, double lat, double lon, double alt, double track, double knots,
                      const std::string& callsign) {
-    const double stamp = std::chrono::duration<double>(world->utcNow()).count();
-    network->sendUdp(trafficPort,
-                     fmt::format("RTTFC,{},{:.7f},{:.7f},{},0,1,{:.2f},{},{},A320,,,,{:.3f},X,,adsb_icao,{},-1,{},-1,0,-1,"
-                                 "-1,-1,0,none,A3",
-                                 hexid, lat, lon, alt, track, knots, callsign, stamp, alt, knots));
+    const double stamp = std::chrono::duration<double>(world->utcNow()).count() + feedShift;
+    network->sendUdp(
+        trafficPort,
+        fmt::format("RTTFC,{},{:.7f},{:.7f},{},0,1,{:.2f},{},{},A320,,,,{:.3f},X,,adsb_icao,{},-1,{},-1,0,-1,"
+                    "-1,-1,0,none,A3",
+                    hexid, lat, lon, alt, track, knots, callsign, stamp, alt, knots));
 }
 
 void RunTest::sendTraffic(double from, double length, int count, double knots) {
@@ -128,7 +131,8 @@ void RunTest::sendTraffic(double from, double length, int count, double knots) {
         for (double t = 0; t < length; t += 2)
             world->at(from + t, [=, this] {
                 report(5000000u + static_cast<uint32_t>(i), 51.25 + 0.01 * (i % 10) + t * knots / 3600 / 60.0,
-                       -0.9 + 0.06 * i / 10 + 0.002 * i, 12000 + 500 * i, 0, knots, fmt::format("DLH{}", 100 + i));
+                       -0.9 + 0.06 * i / 10 + 0.002 * i, 12000 + 500 * i, 0, knots,
+                       fmt::format("DLH{}", 100 + i));
             });
 }
 
@@ -143,6 +147,8 @@ void RunTest::watchLog(const std::string& text) {
     });
 }
 
-double RunTest::whenLogged(const std::string& text) const { return seen_.at(text); }
+double RunTest::whenLogged(const std::string& text) const {
+    return seen_.at(text);
+}
 
 }  // namespace skl::test

@@ -1,5 +1,5 @@
-// A whole run on the stepped clock: the program's own threads as tasks, the simulator stand-in behind its wire, and a
-// RealTraffic that says what the test wants.
+// A whole run on the stepped clock: the program's own threads as tasks, the simulator stand-in behind its
+// wire, and a RealTraffic that says what the test wants.
 #pragma once
 
 #include <functional>
@@ -24,7 +24,8 @@ class RunTest : public TempFolderTest {
     void stopSimulator() { simulator.reset(); }
     /// RealTraffic answers the handshake as soon as it is waited for.
     void startRealTraffic();
-    /// From `from` seconds on for `length` seconds: `count` aircraft that fly north in a row, a report every 2 s each.
+    /// From `from` seconds on for `length` seconds: `count` aircraft that fly north in a row, a report every
+    /// 2 s each.
     void sendTraffic(double from, double length, int count, double knots = 300);
     /// One datagram of the traffic stream now.
     void report(uint32_t hexid, double lat, double lon, double alt, double track, double knots,
@@ -40,6 +41,9 @@ class RunTest : public TempFolderTest {
     simulator::Options options;
     std::unique_ptr<simulator::Simulator> simulator;
     std::shared_ptr<FakeClient> realTraffic;
+    bool simulatorHangs = false;  ///< while set, the simulator neither reads nor sends
+    int feedLevel = 1;            ///< what RealTraffic reports in the handshake
+    double feedShift = 0;         ///< seconds between the present and the stamps of the records
 
   private:
     std::map<std::string, double> seen_;

@@ -3,14 +3,17 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstring>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "simlink/sim_ids.h"
 #include "tests/support/fake_simconnect.h"
+#include "tests/support/hasty_clock.h"
 #include "tests/support/temp_folder.h"
 
 namespace skl::test {
@@ -93,22 +96,6 @@ class PipeStream : public net::ByteStream {
 
   private:
     Pipe& pipe_;
-};
-
-/// The real time, and more of it on request.
-class HastyClock : public Clock {
-  public:
-    HastyClock() { gf_setClock(this); }
-    ~HastyClock() override { gf_setClock(nullptr); }
-    Nanos utcNow() override { return std::chrono::system_clock::now().time_since_epoch() + extra; }
-    Nanos steadyNow() override { return std::chrono::steady_clock::now().time_since_epoch() + extra; }
-    bool waitUntil(Nanos deadline, const std::function<bool()>& done) override {
-        for (;; extra += perLook) {
-            if (done && done()) return true;
-            if (steadyNow() >= deadline) return false;
-        }
-    }
-    Nanos extra{0}, perLook{0};
 };
 
 class WireClientTest : public TempFolderTest {
@@ -321,6 +308,28 @@ TEST_F(WireClientTest, BrokenSettingsAreNamed) {
     });
     EXPECT_FALSE(broken.open("Skylantern", [] { return false; }));
     EXPECT_EQ(broken.openTrouble(), "Port is missing");
+}
+
+using ThreadsWireTest = WireClientTest;
+
+TEST_F(ThreadsWireTest, RequestsOfSeveralThreadsGoOutWholeAndInOrder) {
+    openOnPipe();
+    constexpr int threads = 2, requests = 2000;
+    std::atomic<int> running{threads};
+    std::vector<std::thread> senders;
+    for (int i = 0; i < threads; ++i)
+        senders.emplace_back([&] {
+            for (int request = 0; request < requests; ++request) client.aiRemoveObject(1001, 105);
+            --running;
+        });
+    while (running > 0) dispatch();
+    for (auto& sender : senders) sender.join();
+    dispatch();
+    ASSERT_EQ(pipe.written.size(), size_t{threads * requests * 24});
+    for (uint32_t i = 0; i < threads * requests; ++i) {
+        ASSERT_EQ(u32At(pipe.written, i * 24), 24u);
+        ASSERT_EQ(u32At(pipe.written, i * 24 + 12), i + 1);
+    }
 }
 
 /// A server on a loopback socket; it acts whenever the client looks.

@@ -1,3 +1,5 @@
+// Names of sections and keys in any case. A file that is there but unusable is an error: a silent way round
+// it would look for the simulator where the user has not put it.
 #include "platform/simconnect/config.h"
 
 #include <fmt/format.h>

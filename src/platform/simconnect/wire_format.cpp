@@ -1,3 +1,4 @@
+// Cutting what the stream brings into messages by the size at the front of each.
 #include "platform/simconnect/wire_format.h"
 
 namespace skl::wire {

@@ -1,12 +1,43 @@
 // Texts without the locale.
-#include "standin/realtraffic/text.h"
+#include "standin/common/text.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <fstream>
 #include <nlohmann/json.hpp>
 
-namespace realtraffic {
+namespace standin {
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+
+}  // namespace
+
+std::string lowerCase(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+    }
+    return result;
+}
+
+std::string upperCase(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) {
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+    }
+    return result;
+}
+
+std::string_view trimmed(std::string_view text) {
+    const auto first = text.find_first_not_of(kBlanks);
+    return first == std::string_view::npos ? std::string_view{}
+                                           : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
 
 std::vector<std::string_view> split(std::string_view text, char separator) {
     std::vector<std::string_view> fields;
@@ -19,7 +50,6 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
 }
 
 std::vector<std::string> words(std::string_view line) {
-    constexpr std::string_view kBlanks = " \t\r\n";
     std::vector<std::string> result;
     for (auto first = line.find_first_not_of(kBlanks); first != std::string_view::npos;
          first = line.find_first_not_of(kBlanks, first)) {
@@ -61,7 +91,7 @@ std::string utf8Of(std::string_view text) {
     try {
         static_cast<void>(nlohmann::json(text).dump());
         return std::string(text);
-    } catch (const nlohmann::json::exception&) {
+    } catch (const nlohmann::json::type_error&) {
         std::string result;
         for (const char c : text) {
             const auto byte = static_cast<unsigned char>(c);
@@ -76,4 +106,33 @@ std::string utf8Of(std::string_view text) {
     }
 }
 
-}  // namespace realtraffic
+std::string readLines(const std::string& file, const std::function<void(const std::string& line)>& take) {
+    std::ifstream in(file, std::ios::binary);
+    for (std::string line; std::getline(in, line);) {
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        take(line);
+    }
+    // A folder can be opened, but not read.
+    return !in.is_open() || in.bad() ? fmt::format("cannot read {}", file) : "";
+}
+
+std::string readWords(const std::string& file,
+                      const std::function<std::string(const std::vector<std::string>& words)>& take) {
+    std::string complaint;
+    int number = 0;
+    const auto unreadable = readLines(file, [&](const std::string& line) {
+        ++number;
+        const auto fields = words(line);
+        if (!complaint.empty() || fields.empty() || fields[0].front() == '#') {
+            return;
+        }
+        if (const auto wrong = take(fields); !wrong.empty()) {
+            complaint = fmt::format("{}, line {}: {}: {}", file, number, wrong, line);
+        }
+    });
+    return unreadable.empty() ? complaint : unreadable;
+}
+
+}  // namespace standin
