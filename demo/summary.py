@@ -152,6 +152,10 @@ def tell_motion(motion, generated, verdicts):
         worst = figure.get("worst")
         told = f"; nearest {worst['value']:.2f} of {worst['allowed']:.2f} {unit} allowed ({worst['tail']})" if worst else ""
         print(f"  {name:<13} {figure['breaches']} breaches in {figure['poses']} poses{told}{goal}")
+    wheels = motion.get("onGround", {})
+    touched = [f"{name} {wheels[name]['breaches']}" for name in ("heading", "pitch") if wheels.get(name, {}).get("breaches")]
+    if touched:
+        print(f"  wheels down   {', '.join(touched)} breaches at ground contact (told only: ground motion is to come)")
     for name, rates in sorted(motion.get("air", {}).items(), key=lambda entry: entry[0] != "all"):
         acceleration, yaw, pitch = rates["accelerationG"], rates["yawRate"], rates["pitchRate"]
         print(f"  {name:<13} p99 and worst: {acceleration['p99']:.2f}, {acceleration['max']:.2f} g ({acceleration['tail']});"

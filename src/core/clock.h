@@ -14,10 +14,10 @@ class Clock {
     virtual ~Clock() = default;
     virtual Nanos utcNow() = 0;     ///< since 1970 UTC
     virtual Nanos steadyNow() = 0;  ///< since some fixed moment, never going back
-    /// Returns true as soon as `done` gives true, false when the steady time `deadline` has come. `done` may be
-    /// empty; it is called on the waiting thread, at least every 20 ms and once before any waiting.
+    /// Returns true as soon as `done` gives true, false when the steady time `deadline` has come. `done` may
+    /// be empty; it is called on the waiting thread, at least every 20 ms and once before any waiting.
     virtual bool waitUntil(Nanos deadline, const std::function<bool()>& done) = 0;
-    virtual void raiseTimerResolution() {}    ///< to 1 ms, where the system needs that; calls nest
+    virtual void raiseTimerResolution() {}  ///< to 1 ms, where the system needs that; calls nest
     virtual void releaseTimerResolution() {}
 };
 

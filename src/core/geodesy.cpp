@@ -28,7 +28,8 @@ double bearingRad(LaLo a, LaLo b) {
 
 LaLo destinationPoint(LaLo a, double bearing, double distanceFt) {
     const double lat1 = a.lat * degree, d = distanceFt * radiansPerFoot;
-    const double lat2 = std::asin(std::sin(lat1) * std::cos(d) + std::cos(lat1) * std::sin(d) * std::cos(bearing));
+    const double lat2 =
+        std::asin(std::sin(lat1) * std::cos(d) + std::cos(lat1) * std::sin(d) * std::cos(bearing));
     const double dLon = std::atan2(std::sin(bearing) * std::sin(d) * std::cos(lat1),
                                    std::cos(d) - std::sin(lat1) * std::sin(lat2));
     return {lat2 / degree, wrapLon(a.lon + dLon / degree)};

@@ -9,8 +9,12 @@ namespace skl {
 inline constexpr double pi = std::numbers::pi;
 inline constexpr double metersPerNm = 1852.0;
 inline constexpr double feetPerNm = 6076.11549;
-inline constexpr double toRad(double degrees) { return degrees * (pi / 180.0); }
-inline constexpr double toDeg(double radians) { return radians * (180.0 / pi); }
+inline constexpr double toRad(double degrees) {
+    return degrees * (pi / 180.0);
+}
+inline constexpr double toDeg(double radians) {
+    return radians * (180.0 / pi);
+}
 
 struct LaLo {
     double lat = 0;
@@ -19,7 +23,9 @@ struct LaLo {
 };
 
 /// Within 0.0001 of 0 on both axes a position counts as not known.
-inline bool positionKnown(LaLo p) { return std::abs(p.lat) > 0.0001 || std::abs(p.lon) > 0.0001; }
+inline bool positionKnown(LaLo p) {
+    return std::abs(p.lat) > 0.0001 || std::abs(p.lon) > 0.0001;
+}
 
 /// Great-circle distance in nautical miles (haversine, earth radius 3437.7467707849396 nm).
 double gf_distanceNm(LaLo a, LaLo b);

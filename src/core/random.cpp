@@ -7,6 +7,8 @@ std::mt19937& mt() {
     return engine;
 }
 
-void gf_seedRandom(uint32_t seed) { mt().seed(seed); }
+void gf_seedRandom(uint32_t seed) {
+    mt().seed(seed);
+}
 
 }  // namespace skl

@@ -1,5 +1,5 @@
-// The run sequence: what a run does from its start to its end, and the 10 ms cycle in between. This file and its
-// parts (run_sequence_*.cpp) are the only place in core/ that knows the other subsystems. Worker thread.
+// The run sequence: what a run does from its start to its end, and the 10 ms cycle in between. This file and
+// its parts (run_sequence_*.cpp) are the only place in core/ that knows the other subsystems. Worker thread.
 #pragma once
 
 namespace skl {
@@ -25,7 +25,8 @@ void lf_every15Seconds();
 void lf_notRunningTick();
 
 void lf_restartCountdown();
-/// Brings all state of a run back to its start. False, with nothing changed, when the user closes the program.
+/// Brings all state of a run back to its start. False, with nothing changed, when the user closes the
+/// program.
 bool lf_resetForRestart();
 
 // The threads of a run.

@@ -26,9 +26,7 @@ namespace {
 
 /// The error stays on the panel until the user closes the program or gives the setting that was wrong.
 void holdError() {
-    g_holdingError = true;
     gf_waitUntil(Nanos::max(), [] { return g_userClosing || g_exitReason == ExitReason::newSettings; });
-    g_holdingError = false;
     if (g_userClosing) gf_log(fmt::format("User closed {}", programName));
 }
 
@@ -122,6 +120,7 @@ void lf_restartCountdown() {
 bool lf_resetForRestart() {
     if (!gf_resetRunState(true)) return false;
     gf_resetFeed();
+    gf_stopCollectingCallsigns();
     rtLevel2 = false;
     gf_resetSimLink();
     gf_resetEngine();

@@ -10,7 +10,6 @@ std::atomic<bool> g_stopRequested{false};
 std::atomic<bool> g_userClosing{false};
 std::atomic<ExitReason> g_exitReason{ExitReason::notYetSet};
 std::atomic<int32_t> g_restartSeconds{0};
-std::atomic<bool> g_holdingError{false};
 std::atomic<bool> g_restartPending{false};
 std::atomic<bool> g_cycleRunning{false};
 std::atomic<bool> g_flightRunning{false};
@@ -25,23 +24,23 @@ std::atomic<uint64_t> g_now{0};
 
 namespace {
 
-// Reason and delay are stored before the flag, and all three under this lock, so that a thread that sees the flag
-// sees them too.
+// Reason and delay are stored before the flag, and all three under this lock, so that a thread that sees the
+// flag sees them too.
 std::mutex stopLock;
 
 }  // namespace
 
 std::string_view gf_exitReasonText(ExitReason reason) {
     static constexpr std::array<std::string_view, 8> texts{
-        "NOT YET SET",  "SIM WAS CLOSED",   "NEW FLIGHT",   "NEW SETTINGS",
+        "NOT YET SET",     "SIM WAS CLOSED",   "NEW FLIGHT",   "NEW SETTINGS",
         "USER CLOSED SIM", "SIMCONNECT ERROR", "READER ERROR", "SYSTEM ERROR"};
     return texts.at(static_cast<size_t>(reason));
 }
 
 void gf_requestStop(ExitReason reason, int32_t seconds) {
     std::lock_guard guard(stopLock);
-    const bool replacesHeldError = g_holdingError && reason == ExitReason::newSettings;
-    if (g_stopRequested && !replacesHeldError) return;
+    const bool mendsError = g_exitReason == ExitReason::systemError && reason == ExitReason::newSettings;
+    if (g_stopRequested && !mendsError) return;
     if (g_userClosing) return;
     g_exitReason = reason;
     g_restartSeconds = seconds;
@@ -76,7 +75,8 @@ WeekSlot gf_weekSlotOf(int64_t epochSeconds) {
 }
 
 void gf_storeNow(WeekSlot slot) {
-    g_now = static_cast<uint64_t>(static_cast<uint32_t>(slot.halfHour)) << 32 | static_cast<uint32_t>(slot.day);
+    g_now =
+        static_cast<uint64_t>(static_cast<uint32_t>(slot.halfHour)) << 32 | static_cast<uint32_t>(slot.day);
 }
 
 bool gf_resetRunState(bool unlessClosing) {
@@ -87,7 +87,6 @@ bool gf_resetRunState(bool unlessClosing) {
     g_secondTick = false;
     g_exitReason = ExitReason::notYetSet;
     g_restartSeconds = 0;
-    g_holdingError = false;
     g_cycleRunning = false;
     g_flightRunning = false;
     g_simError = false;

@@ -40,7 +40,8 @@ void gf_superviseRuns(const std::function<void()>& run, const std::function<void
         bool end = false;
         {
             std::unique_lock guard(requestLock);
-            requestCame.wait_for(guard, std::chrono::milliseconds(250), [] { return runWanted || endWanted; });
+            requestCame.wait_for(guard, std::chrono::milliseconds(250),
+                                 [] { return runWanted || endWanted; });
             start = std::exchange(runWanted, false);
             end = std::exchange(endWanted, false);
         }

@@ -38,6 +38,8 @@ TaskRunner& gf_taskRunner() {
     return g_runner ? *g_runner : threads;
 }
 
-void gf_setTaskRunner(TaskRunner* runner) { g_runner = runner; }
+void gf_setTaskRunner(TaskRunner* runner) {
+    g_runner = runner;
+}
 
 }  // namespace skl

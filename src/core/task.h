@@ -14,8 +14,8 @@ namespace skl {
 class Task {
   public:
     virtual ~Task() = default;
-    /// One pass. May block for `mayBlock` at most (0 in a stepped run). Gives the pause before the next pass, or
-    /// nothing when the task has ended. Must not throw: a task handles its own failures.
+    /// One pass. May block for `mayBlock` at most (0 in a stepped run). Gives the pause before the next pass,
+    /// or nothing when the task has ended. Must not throw: a task handles its own failures.
     virtual std::optional<Nanos> step(std::chrono::milliseconds mayBlock) = 0;
 };
 

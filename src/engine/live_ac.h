@@ -1,5 +1,6 @@
-// The engine's nouns: one timed point, what every aircraft has, a live aircraft, and the messages of the simulator
-// side. Angles are radians and distances nautical miles unless a name says otherwise; times are ticks of 10 ms.
+// The engine's nouns: one timed point, what every aircraft has, a live aircraft, and the messages of the
+// simulator side. Angles are radians and distances nautical miles unless a name says otherwise; times are
+// ticks of 10 ms.
 #pragma once
 
 #include <cmath>
@@ -88,13 +89,13 @@ struct GroundCurve {
 };
 
 struct LiveAc : AcBase {
-    double simLat = 0, simLon = 0;                        ///< degrees
-    double simPitch = 0, simBank = 0, simHeading = 0;     ///< radians
-    double simAlt = 0;                                    ///< feet
-    double simVs = 0;                                     ///< feet per second
-    double simTas = 0;                                    ///< knots
-    std::deque<LivePos> stream;                           ///< front: the point being flown to
-    double lastFeedTime = 0;                              ///< seconds
+    double simLat = 0, simLon = 0;                     ///< degrees
+    double simPitch = 0, simBank = 0, simHeading = 0;  ///< radians
+    double simAlt = 0;                                 ///< feet
+    double simVs = 0;                                  ///< feet per second
+    double simTas = 0;                                 ///< knots
+    std::deque<LivePos> stream;                        ///< front: the point being flown to
+    double lastFeedTime = 0;                           ///< seconds
     double checkedLat = 0, checkedLon = 0;
     uint64_t parkedSince = 0;  ///< steady clock, 100 ns
     int32_t predictLeft = 0;   ///< predicted points still to come; 0 none running, -1 exhausted
@@ -105,10 +106,10 @@ struct LiveAc : AcBase {
     bool hasFlightPlan = false;
     bool nearUser = false;
     bool holding = false;
-    double dLat = 0, dLon = 0;                  ///< degrees per tick
+    double dLat = 0, dLon = 0;                   ///< degrees per tick
     double dPitch = 0, dBank = 0, dHeading = 0;  ///< radians per tick
-    double dAlt = 0;                            ///< feet per tick
-    double vsFpm = 0, tasKn = 0;                ///< of the segment being flown
+    double dAlt = 0;                             ///< feet per tick
+    double vsFpm = 0, tasKn = 0;                 ///< of the segment being flown
     GroundCurve curve;
     double curveT = 0, curveStep = 0, curveAngle = 0;
     LivePos pushSidePoint;
@@ -130,8 +131,8 @@ struct LiveAc : AcBase {
     bool derotating = false, rollout = false;
     bool leaveStand = false;
     bool turningOnGround = false;
-    int32_t addingSince = 0;          ///< tick at which the creation request went out
-    int32_t implausibleReports = 0;   ///< reports in a row that no flight could have reached
+    int32_t addingSince = 0;         ///< tick at which the creation request went out
+    int32_t implausibleReports = 0;  ///< reports in a row that no flight could have reached
 
     LaLo simPos() const { return {simLat, simLon}; }
 };
@@ -147,18 +148,18 @@ struct SimMsg {
     uint32_t kind = 0;    ///< one of the constants below
     double a = 0, b = 0;
 };
-inline constexpr uint32_t msgLiveIdentified = 0;    ///< b: height above ground, feet
+inline constexpr uint32_t msgLiveIdentified = 0;  ///< b: height above ground, feet
 inline constexpr uint32_t msgStaticIdentified = 1;
 inline constexpr uint32_t msgObjectRemoved = 2;
-inline constexpr uint32_t msgHeight = 3;            ///< a: ground altitude, b: height above ground, feet
-inline constexpr uint32_t msgStaticData = 4;        ///< a: static height of the centre of gravity, feet; b: pitch
-inline constexpr uint32_t msgRefused = 6;           ///< the simulator will not create this title
-inline constexpr uint32_t msgNotCreated = 7;        ///< no room or no answer: the title is not to blame
+inline constexpr uint32_t msgHeight = 3;      ///< a: ground altitude, b: height above ground, feet
+inline constexpr uint32_t msgStaticData = 4;  ///< a: static height of the centre of gravity, feet; b: pitch
+inline constexpr uint32_t msgRefused = 6;     ///< the simulator will not create this title
+inline constexpr uint32_t msgNotCreated = 7;  ///< no room or no answer: the title is not to blame
 
 /// Texts that name an aircraft in log lines.
-std::string gf_shortForm(const AcBase& record);     ///< "{:3} {:4}" of airline and model
-std::string gf_routeText(const AcBase& record);     ///< "{:3}->{:3}", or eight blanks
-std::string gf_longForm(const AcBase& record);      ///< "{} {:8} {}" of padded callsign, registration and route
+std::string gf_shortForm(const AcBase& record);  ///< "{:3} {:4}" of airline and model
+std::string gf_routeText(const AcBase& record);  ///< "{:3}->{:3}", or eight blanks
+std::string gf_longForm(const AcBase& record);   ///< "{} {:8} {}" of padded callsign, registration and route
 std::string gf_description(const AcBase& record);   ///< long form and short form
 std::string gf_identityText(const AcBase& record);  ///< padded callsign, registration and short form
 

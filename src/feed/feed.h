@@ -60,6 +60,8 @@ void gf_setGroundReference(std::optional<GroundReference> reference);
 double gf_feedTimestamp();
 /// Values back to the start, as after the loss of the link.
 void gf_resetFeed();
+/// No more callsigns are collected, and those collected are forgotten: the end of a run.
+void gf_stopCollectingCallsigns();
 
 /// What became of the traffic datagrams, since the process started. All that arrive count as datagrams; a
 /// tail too long counts under noIdentity, a rejected category under notAircraft.

@@ -103,4 +103,9 @@ void gf_resetFeed() {
     lf_qnhReader().lastCount = 0;
 }
 
+void gf_stopCollectingCallsigns() {
+    lf_trafficReader().collectCallsigns(false);
+    lf_trafficReader().takeCallsigns();
+}
+
 }  // namespace skl

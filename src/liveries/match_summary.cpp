@@ -21,9 +21,7 @@ std::vector<std::string> sorted(const StringSet& set) {
     return entries;
 }
 
-}  // namespace
-
-void gf_logMatchSummary() {
+void logMatches() {
     if (std::all_of(matchCounters.begin(), matchCounters.end(), [](uint64_t hits) { return hits < 1; }))
         return;
     const std::string stars(31, '*');
@@ -36,6 +34,13 @@ void gf_logMatchSummary() {
         for (const auto& key : sorted(uncreatableKeys)) gf_log("  " + key);
     }
     gf_log(std::string(100, '*') + "\n");
+}
+
+}  // namespace
+
+void gf_logMatchSummary() {
+    logMatches();
+    // Also when nothing matched at all: that is when the user needs it most.
     gf_logUnmatched();
 }
 

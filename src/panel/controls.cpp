@@ -26,12 +26,10 @@ void gf_enableControlsAtStart() {
     gf_enableControl(RANGE, !AUTO_RANGE.value);
     gf_enableControl(AR_ABOVE_HEIGHT, AUTO_RANGE.value);
     gf_enableControl(unblockButton, !BLOCK_CALLSIGN.empty());
-    for (ControlParameter* later : {static_cast<ControlParameter*>(&CALLSIGN_2_OBJECTID),
-                                    static_cast<ControlParameter*>(&DESTINATION),
-                                    static_cast<ControlParameter*>(&parking_percentage),
-                                    static_cast<ControlParameter*>(&MAX_FIT_FL),
-                                    static_cast<ControlParameter*>(&rereadButton),
-                                    static_cast<ControlParameter*>(&flushStaticButton)})
+    for (ControlParameter* later :
+         {static_cast<ControlParameter*>(&CALLSIGN_2_OBJECTID), static_cast<ControlParameter*>(&DESTINATION),
+          static_cast<ControlParameter*>(&parking_percentage), static_cast<ControlParameter*>(&MAX_FIT_FL),
+          static_cast<ControlParameter*>(&rereadButton), static_cast<ControlParameter*>(&flushStaticButton)})
         gf_enableControl(*later, false);
     parking_percentage.value = parking_percentage.defaultValue;
 }

@@ -1,4 +1,5 @@
-// Which controls of the panel can be used, as data: any thread changes it, the panel's thread copies it to the widgets.
+// Which controls of the panel can be used, as data: any thread changes it, the panel's thread copies it to
+// the widgets.
 #pragma once
 
 #include "core/parameter.h"

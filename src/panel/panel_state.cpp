@@ -12,9 +12,13 @@ std::atomic<unsigned> invalidated{0};
 
 }  // namespace
 
-void gf_invalidate(Band band) { invalidated.fetch_or(1u << static_cast<unsigned>(band)); }
+void gf_invalidate(Band band) {
+    invalidated.fetch_or(1u << static_cast<unsigned>(band));
+}
 
-unsigned gf_takeInvalidated() { return invalidated.exchange(0); }
+unsigned gf_takeInvalidated() {
+    return invalidated.exchange(0);
+}
 
 void gf_setPanelText(std::string PanelState::*field, std::string_view text, Band band) {
     {
@@ -48,7 +52,8 @@ void gf_resetPanel() {
     g_panel.userSpanKnown = true;
     g_panel.trafficState = readerStopped;
     g_panel.weatherState = readerStopped;
-    for (Band band : {Band::title, Band::status, Band::options, Band::parking, Band::message}) gf_invalidate(band);
+    for (Band band : {Band::title, Band::status, Band::options, Band::parking, Band::message})
+        gf_invalidate(band);
 }
 
 }  // namespace skl

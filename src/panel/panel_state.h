@@ -1,5 +1,5 @@
-// What the panel shows. Any thread writes: numbers and lamps are atomics, texts are set under g_panelLock. Each write
-// is followed by gf_invalidate of the band that shows it. Only the panel's own thread paints.
+// What the panel shows. Any thread writes: numbers and lamps are atomics, texts are set under g_panelLock.
+// Each write is followed by gf_invalidate of the band that shows it. Only the panel's own thread paints.
 #pragma once
 
 #include <atomic>

@@ -11,8 +11,8 @@ std::atomic<bool> g_rereadParkAirports{false};
 std::atomic<bool> g_waitingForFeed{true};
 
 void gf_resetRequests() {
-    for (auto* flag : {&g_parkingChanged, &g_renewRequested, &g_blockChanged, &g_callsignQuery, &g_flushStatic,
-                       &g_rereadParkAirports})
+    for (auto* flag : {&g_parkingChanged, &g_renewRequested, &g_blockChanged, &g_callsignQuery,
+                       &g_flushStatic, &g_rereadParkAirports})
         *flag = false;
     g_waitingForFeed = true;
 }

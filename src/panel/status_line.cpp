@@ -59,13 +59,13 @@ std::string gf_messageLine() {
 }
 
 std::string gf_statusLine() {
-    return fmt::format("{} | live {} ({}; {}) | created {}, removed {}, refused {} | records {}, used {}, dropped: {}",
-                       lamps(), g_panel.liveCount.load(),
-                       tally(engineCounters.byState,
-                             [](int i) { return gf_stateWord(static_cast<SimObjectState>(i)); }),
-                       tally(engineCounters.byStage, [](int i) { return gf_stageWord(static_cast<FlightStage>(i)); }),
-                       engineCounters.created.load(), engineCounters.removed.load(), engineCounters.refused.load(),
-                       feedCounters.datagrams.load(), feedCounters.queued.load(), drops());
+    return fmt::format(
+        "{} | live {} ({}; {}) | created {}, removed {}, refused {} | records {}, used {}, dropped: {}",
+        lamps(), g_panel.liveCount.load(),
+        tally(engineCounters.byState, [](int i) { return gf_stateWord(static_cast<SimObjectState>(i)); }),
+        tally(engineCounters.byStage, [](int i) { return gf_stageWord(static_cast<FlightStage>(i)); }),
+        engineCounters.created.load(), engineCounters.removed.load(), engineCounters.refused.load(),
+        feedCounters.datagrams.load(), feedCounters.queued.load(), drops());
 }
 
 }  // namespace skl

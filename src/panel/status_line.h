@@ -7,7 +7,8 @@ namespace skl {
 
 /// The error, else the message, else nothing.
 std::string gf_messageLine();
-/// Lamps and counts in one line: links, live aircraft by state and stage, created and removed, records by fate.
+/// Lamps and counts in one line: links, live aircraft by state and stage, created and removed, records by
+/// fate.
 std::string gf_statusLine();
 
 }  // namespace skl

@@ -22,7 +22,8 @@ void gf_applyRange(double miles) {
 }
 
 void gf_autoRange() {
-    // Near the ground the choice would follow the distance to the first park airport; without any it is far away.
+    // Near the ground the choice would follow the distance to the first park airport; without any it is far
+    // away.
     int miles = 40;
     if (userOnGround)
         miles = 10;

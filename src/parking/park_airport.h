@@ -6,6 +6,8 @@
 namespace skl {
 
 extern Airport parkAirport;  ///< its code is empty while none is in sight
-inline bool gf_airportInSight() { return !parkAirport.code.empty(); }
+inline bool gf_airportInSight() {
+    return !parkAirport.code.empty();
+}
 
 }  // namespace skl

@@ -107,10 +107,12 @@ void Motion::compareStep(const Flight& flight, const Pose& pose) {
     const double metres = distanceMetres(last.lat, last.lon, pose.lat, pose.lon);
     step_.add(metres, kStepFactor * knots * kKnotMetresPerSecond * seconds + kStepMetres, flight.tail,
               pose.t);
-    heading_.add(std::abs(angleBetween(last.heading, pose.heading)), kHeadingRate * seconds + kHeadingDegrees,
-                 flight.tail, pose.t);
-    pitch_.add(std::abs(angleBetween(last.pitch, pose.pitch)), kPitchRate * seconds + kPitchDegrees,
-               flight.tail, pose.t);
+    // With a wheel on the ground before or after, the landing gear is what turns the aircraft.
+    auto& turns = last.onGround() || pose.onGround() ? groundTurns_ : airTurns_;
+    turns.heading.add(std::abs(angleBetween(last.heading, pose.heading)),
+                      kHeadingRate * seconds + kHeadingDegrees, flight.tail, pose.t);
+    turns.pitch.add(std::abs(angleBetween(last.pitch, pose.pitch)), kPitchRate * seconds + kPitchDegrees,
+                    flight.tail, pose.t);
 }
 
 void Motion::comparePath(Flight& flight, const Pose& pose) {
@@ -165,8 +167,8 @@ void Motion::interrupt() {
 nlohmann::json Motion::report() const {
     nlohmann::json report{{"flights", posedFlights_},
                           {"step", step_.report()},
-                          {"heading", heading_.report()},
-                          {"pitch", pitch_.report()}};
+                          {"heading", airTurns_.heading.report()},
+                          {"pitch", airTurns_.pitch.report()}};
     const auto ratesOf = [](const auto& table) {
         auto classes = nlohmann::json::object();
         for (const auto& [name, rates] : table) {
@@ -186,6 +188,8 @@ nlohmann::json Motion::report() const {
     if (groundFigures_.any()) {
         report["ground"] = ratesOf(onGround_);
         report["onGround"] = groundFigures_.report();
+        report["onGround"]["heading"] = groundTurns_.heading.report();
+        report["onGround"]["pitch"] = groundTurns_.pitch.report();
     }
     return report;
 }

@@ -75,6 +75,10 @@ class Motion {
         SpreadFigure acceleration, yaw, pitch;  // g, degrees a second
     };
 
+    struct Turns {
+        LimitFigure heading, pitch;  // between two poses
+    };
+
     void compareStep(const Flight& flight, const Pose& pose);
     void comparePath(Flight& flight, const Pose& pose);
     void closeWindow(Flight& flight, const Pose& pose);
@@ -83,7 +87,8 @@ class Motion {
     const FeedPaths& feed_;
     std::unordered_map<std::uint32_t, Flight> flights_;
     std::uint64_t posedFlights_ = 0, comparedFlights_ = 0, samples_ = 0, samplesInGaps_ = 0;
-    LimitFigure step_, heading_, pitch_;
+    LimitFigure step_;
+    Turns airTurns_, groundTurns_;
     std::map<std::string, Rates, std::less<>> air_, onGround_;  // by class, with "all"
     SpreadFigure cross_;
     GroundFigures groundFigures_;

@@ -33,11 +33,12 @@ TEST_F(RunState, CloseButtonKeepsAnEarlierReason) {
     EXPECT_EQ(g_exitReason, ExitReason::userClosedSim);
 }
 
-TEST_F(RunState, NewSettingsReplaceAHeldErrorOnly) {
-    gf_requestStop(ExitReason::systemError, 0);
+TEST_F(RunState, NewSettingsReplaceAnErrorOnly) {
+    gf_requestStop(ExitReason::readerError, 15);
     gf_requestStop(ExitReason::newSettings, 3);
-    EXPECT_EQ(g_exitReason, ExitReason::systemError);
-    g_holdingError = true;
+    EXPECT_EQ(g_exitReason, ExitReason::readerError);
+    gf_resetRunState();
+    gf_requestStop(ExitReason::systemError, 0);
     gf_requestStop(ExitReason::simConnectError, 9);
     EXPECT_EQ(g_exitReason, ExitReason::systemError);
     gf_requestStop(ExitReason::newSettings, 3);
@@ -75,14 +76,14 @@ TEST(WeekSlots, HalfHourTurnsThirtySecondsEarly) {
     };
     constexpr int64_t monday = 4 * 86400;  // January 5, 1970
     for (const auto& [seconds, slot] : std::vector<Case>{
-             {0, {4, 0}},                                            // a Thursday
+             {0, {4, 0}},  // a Thursday
              {monday, {1, 0}},
-             {monday - 1, {7, 47}},                                  // the last second of Sunday
+             {monday - 1, {7, 47}},  // the last second of Sunday
              {monday + 29 * 60 + 29, {1, 0}},
              {monday + 29 * 60 + 30, {1, 1}},
              {monday + 30 * 60, {1, 1}},
              {monday + 23 * 3600 + 59 * 60 + 59, {1, 47}},
-             {1764000000, {1, 32}},                                  // Mon Nov 24 16:00:00 2025
+             {1764000000, {1, 32}},  // Mon Nov 24 16:00:00 2025
          })
         EXPECT_EQ(gf_weekSlotOf(seconds), slot) << seconds;
     gf_storeNow({7, 47});

@@ -41,37 +41,33 @@ std::unique_ptr<RunningTask> SteppedWorld::start(std::string name, std::shared_p
 }
 
 void SteppedWorld::at(double seconds, std::function<void()> action) {
-    actions_.push_back({toNanos(seconds), Nanos(0), std::move(action)});
+    actions_.insert({toNanos(seconds), {Nanos(0), std::move(action)}});
 }
 
 void SteppedWorld::every(double seconds, std::function<void()> action) {
-    actions_.push_back({now_ + toNanos(seconds), toNanos(seconds), std::move(action)});
+    actions_.insert({now_ + toNanos(seconds), {toNanos(seconds), std::move(action)}});
 }
 
 int SteppedWorld::liveTasks() const {
-    return static_cast<int>(std::count_if(entries_.begin(), entries_.end(), [](auto& e) { return !e->ended; }));
+    return static_cast<int>(
+        std::count_if(entries_.begin(), entries_.end(), [](auto& e) { return !e->ended; }));
 }
 
 Nanos SteppedWorld::nextEvent(Nanos limit) const {
     Nanos next = limit;
     for (const auto& entry : entries_)
         if (!entry->ended && !entry->running) next = std::min(next, std::max(entry->next, now_ + Nanos(1)));
-    for (const auto& action : actions_) next = std::min(next, std::max(action.when, now_ + Nanos(1)));
+    if (!actions_.empty()) next = std::min(next, std::max(actions_.begin()->first, now_ + Nanos(1)));
     return next;
 }
 
 void SteppedWorld::runDue() {
-    for (size_t i = 0; i < actions_.size();) {
-        if (actions_[i].when > now_) {
-            ++i;
-            continue;
-        }
-        auto run = actions_[i].run;
-        if (actions_[i].repeat.count() > 0) {
-            actions_[i].when += actions_[i].repeat;
-            ++i;
-        } else {
-            actions_.erase(actions_.begin() + static_cast<std::ptrdiff_t>(i));
+    while (!actions_.empty() && actions_.begin()->first <= now_) {
+        auto due = actions_.extract(actions_.begin());
+        const auto run = due.mapped().run;
+        if (due.mapped().repeat.count() > 0) {
+            due.key() += due.mapped().repeat;
+            actions_.insert(std::move(due));
         }
         run();
     }

@@ -1,8 +1,9 @@
-// A clock and a task runner for tests: one thread, time that moves only when somebody waits, every started task stepped
-// as its pauses end. A scenario of an hour takes seconds, and the same twice.
+// A clock and a task runner for tests: one thread, time that moves only when somebody waits, every started
+// task stepped as its pauses end. A scenario of an hour takes seconds, and the same twice.
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -41,7 +42,6 @@ class SteppedWorld : public Clock, public TaskRunner {
         bool ended = false;
     };
     struct Action {
-        Nanos when;
         Nanos repeat;
         std::function<void()> run;
     };
@@ -54,7 +54,7 @@ class SteppedWorld : public Clock, public TaskRunner {
     Nanos now_{0};
     Nanos limit_ = std::chrono::hours(1000);
     std::vector<std::shared_ptr<Entry>> entries_;
-    std::vector<Action> actions_;
+    std::multimap<Nanos, Action> actions_;  ///< by the time they are due
 };
 
 }  // namespace skl::test

@@ -63,6 +63,8 @@ int logCount(std::string_view text) {
     return count;
 }
 
-bool logHas(std::string_view text) { return logCount(text) > 0; }
+bool logHas(std::string_view text) {
+    return logCount(text) > 0;
+}
 
 }  // namespace skl::test

@@ -1,5 +1,5 @@
-// A fixture with a working folder and user folders of its own, removed afterwards. The folder's name is free of the
-// words that the livery scan skips.
+// A fixture with a working folder and user folders of its own, removed afterwards. The folder's name is free
+// of the words that the livery scan skips.
 #pragma once
 
 #include <gtest/gtest.h>
