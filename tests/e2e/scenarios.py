@@ -207,7 +207,7 @@ def no_install_path(world):
 def refused_liveries(world):
     """Refused titles are told, and the rest flies."""
     trace = world.folder / "trace.jsonl"
-    world.simulator("--trace", trace, "--refuse", "KLM")
+    world.simulator("--trace", trace, "--refuse", "B738")
     program = world.program()
     world.wait_for_log("Waiting for RealTraffic")
     world.real_traffic(recording())
