@@ -143,6 +143,11 @@ void stopWatchingSignals() {
     watchEnds = true;
     ::pthread_kill(signalThread().native_handle(), SIGTERM);
     signalThread().join();
+    // A signal that came beside the wake-up is still pending: it belonged to this watch, not to the next.
+    const sigset_t set = stopSignals();
+    const timespec noWait{};
+    while (::sigtimedwait(&set, nullptr, &noWait) > 0) {
+    }
 }
 
 MemoryUse memoryUse() {
