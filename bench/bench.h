@@ -27,6 +27,7 @@ Rows frameFlushRows();
 Rows liveryScanRows();
 Rows coldStartRows();
 Rows matchRows();
+Rows airportFileRows();
 
 /// The cold start itself, in a process of its own: reads the data of the working folder, prints wall time and
 /// memory.

@@ -23,9 +23,10 @@ struct Measurement {
     std::string_view name;
     Rows (*run)();
 };
-constexpr Measurement measurements[] = {{"decode", decodeRows},        {"tick", engineTickRows},
-                                        {"flush", frameFlushRows},     {"scan", liveryScanRows},
-                                        {"cold start", coldStartRows}, {"match", matchRows}};
+constexpr Measurement measurements[] = {{"decode", decodeRows},           {"tick", engineTickRows},
+                                        {"flush", frameFlushRows},        {"scan", liveryScanRows},
+                                        {"cold start", coldStartRows},    {"match", matchRows},
+                                        {"airport file", airportFileRows}};
 
 struct Options {
     std::string only, file;

@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(g++ cmake ninja-build ccache pkg-config python3
-          libfmt-dev nlohmann-json3-dev libpugixml-dev libsodium-dev libgtest-dev libbenchmark-dev)
+          libfmt-dev nlohmann-json3-dev libpugixml-dev libsodium-dev libcurl4-openssl-dev libgtest-dev libbenchmark-dev)
 
 missing=()
 for package in "${packages[@]}"; do

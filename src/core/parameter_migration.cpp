@@ -10,6 +10,7 @@
 #include "core/log.h"
 #include "core/parameter_store.h"
 #include "core/parameters.h"
+#include "core/setting_steps.h"
 #include "core/text.h"
 #include "panel/panel_state.h"
 #include "panel/traffic_range.h"
@@ -21,14 +22,9 @@ namespace {
 /// The version that first wrote the lists; its file needs no conversion.
 constexpr VersionData firstWithLists{11, 0, 2};
 
+/// In the settings of old a negative count meant no limit.
 int32_t countEntry(int32_t count) {
-    if (count < 0 || count > 299) return 500;
-    if (count < 1) return 0;
-    if (count < 18) return 10;
-    if (count < 38) return 25;
-    if (count < 63) return 50;
-    if (count < 88) return 75;
-    return 100;
+    return count < 0 ? MAX_LIVE_SEL.max : gf_countStep(count);
 }
 
 int32_t airportRangeEntry(int32_t miles) {
@@ -73,7 +69,7 @@ void convertOldSettings() {
     moveText(AI_PACKAGE_SELECTOR, AI_PACKAGE_SELECTOR.allowed.at(order), AI_PACKAGE_ORDER);
     moveNumber(MAX_PARK_SEL, countEntry, CUSTOM_MAX_PARK);
     moveNumber(MAX_LIVE_SEL, countEntry, MAX_LIVE);
-    moveNumber(RANGE, lf_snapRange, LATERAL_RANGE);
+    moveNumber(RANGE, gf_rangeStep, LATERAL_RANGE);
     moveNumber(AIRP_RANGE, airportRangeEntry, AIRPORT_RANGE);
     moveNumber(AR_ABOVE_HEIGHT, heightEntry, AUTO_RANGE_ABOVE_HEIGHT);
     moveNumber(AIRP_HEIGHT, heightEntry, AIRPORT_HEIGHT);

@@ -8,6 +8,8 @@
 #include <system_error>
 #include <thread>
 
+#include "airports/airport_file.h"
+#include "airports/airport_index.h"
 #include "core/clock.h"
 #include "core/errors.h"
 #include "core/folders.h"
@@ -18,6 +20,7 @@
 #include "core/run_state.h"
 #include "core/text.h"
 #include "engine/engine_state.h"
+#include "engine/flight_plan.h"
 #include "feed/feed.h"
 #include "liveries/catalogue.h"
 #include "liveries/livery_scan.h"
@@ -25,12 +28,14 @@
 #include "panel/controls.h"
 #include "panel/panel_state.h"
 #include "panel/traffic_range.h"
+#include "parking/airport_list.h"
 
 namespace skl {
 
 namespace {
 
 bool dbaseRead = false;
+constexpr std::string_view airportsFile = "airports_msfs.xml";
 
 void readAllParameters() {
     const auto& lists = gf_parameterLists();
@@ -80,6 +85,8 @@ void lf_prepareRun() {
     rememberWorkingFolder();
     gf_storeNow(gf_weekSlotOf(gf_utcSeconds()));
     if (!dbaseRead) dbaseRead = gf_readDbase();
+    if (!gf_readAirports(airportsFile))
+        gf_showMessage(fmt::format("No airports in '{}'", airportsFile), true);
     settleInstallPath();
     findRealTraffic();
     savedRange = RANGE.value.load();
@@ -102,6 +109,15 @@ void lf_loadData() {
     }
 }
 
+void lf_prepareAirports() {
+    gf_createFlightPlanFolder();
+    gf_forgetProbes();
+    lf_readMyParkAirports();
+    const std::string destination = DESTINATION.get();
+    gf_enableControl(rereadButton, destination.empty());
+    if (const Airport* airport = gf_findAirport(destination)) lf_setDestination(destination, airport->pos());
+}
+
 void lf_run() {
     try {
         if (!fs::is_directory(paths::docs))
@@ -109,10 +125,12 @@ void lf_run() {
                 41, fmt::format("{} must be run from the {} folder!", programName, programName));
         lf_prepareRun();
         lf_loadData();
-        if (!gf_stopping())
+        if (!gf_stopping()) {
+            lf_prepareAirports();
             lf_connectAndCycle();
-        else if (g_exitReason == ExitReason::notYetSet || g_exitReason == ExitReason::userClosedSim)
+        } else if (g_exitReason == ExitReason::notYetSet || g_exitReason == ExitReason::userClosedSim) {
             gf_requestClose();
+        }
     } catch (const UserErrorException& error) {
         gf_showError(error.what());
         gf_forceSystemError();

@@ -10,6 +10,7 @@ void lf_run();
 // The steps of a run, in order.
 void lf_prepareRun();
 void lf_loadData();
+void lf_prepareAirports();
 void lf_connectAndCycle();
 void lf_closingDown();
 

@@ -1,6 +1,7 @@
 // The end of a run: threads and links closed, what does not outlive it forgotten, and what comes next.
 #include <fmt/format.h>
 
+#include "airports/airport_file.h"
 #include "core/clock.h"
 #include "core/locks.h"
 #include "core/log.h"
@@ -13,11 +14,16 @@
 #include "core/text.h"
 #include "engine/engine.h"
 #include "engine/engine_state.h"
+#include "engine/flight_plan.h"
 #include "feed/feed.h"
 #include "liveries/catalogue.h"
 #include "panel/panel_state.h"
 #include "panel/requests.h"
 #include "panel/traffic_range.h"
+#include "parking/airport_in_sight.h"
+#include "parking/airport_list.h"
+#include "parking/park_airport.h"
+#include "parking/stands.h"
 #include "simlink/session.h"
 
 namespace skl {
@@ -71,7 +77,10 @@ void closeRun() {
     lf_endThreads();
     gf_closeLink();
     if (g_exitReason == ExitReason::systemError) holdError();
+    lf_rememberUserStand();
+    if (gf_airportInSight()) lf_leaveParkAirport();
     liveryMemory.clear();
+    gf_removeFlightPlanFolder();
     clearText(DESTINATION);
     clearText(BLOCK_CALLSIGN);
     gf_deleteObjectList();
@@ -124,6 +133,9 @@ bool lf_resetForRestart() {
     rtLevel2 = false;
     gf_resetSimLink();
     gf_resetEngine();
+    gf_resetAirportInSight();
+    gf_resetParkAirports();
+    gf_resetStands();
     gf_resetPanel();
     gf_resetRequests();
     gf_applyRange(RANGE.value);

@@ -12,6 +12,7 @@
 #include "core/run_sequence.h"
 #include "core/run_state.h"
 #include "core/time_text.h"
+#include "engine/conflicts.h"
 #include "engine/engine.h"
 #include "engine/engine_state.h"
 #include "feed/feed.h"
@@ -20,6 +21,9 @@
 #include "panel/panel_state.h"
 #include "panel/requests.h"
 #include "panel/traffic_range.h"
+#include "parking/airport_in_sight.h"
+#include "parking/park_airport.h"
+#include "parking/stands.h"
 #include "simlink/ai_commands.h"
 #include "simlink/user_aircraft.h"
 
@@ -51,13 +55,28 @@ void acceptTraffic() {
 
 /// The work of all seconds but each fifteenth; odd periods keep it spread out.
 void everyOtherSecond(int32_t second) {
+    if (second % 16 == 0) lf_airportInSight(false);
     if (second % 59 == 0) gf_updateReaderLamps();
+    if (second % 61 == 0) lf_sameFlightParked();
     if (second % 62 == 0 && CALLSIGN_OBJECTIDS.value && sim2020) lf_writeObjectList();
+}
+
+/// The user asked for the list of airports to be read again.
+void rereadParkAirports() {
+    if (!g_rereadParkAirports) return;
+    std::string message;
+    gf_forgetProbes();
+    lf_rereadParkAirports(message);
+    if (!message.empty()) gf_showMessage(message, true);
+    g_rereadParkAirports = false;
+    gf_enableControl(rereadButton, DESTINATION.empty());
+    gf_enableControl(DESTINATION, true);
 }
 
 }  // namespace
 
 void lf_mainCycle() {
+    lf_airportInSight(true);
     gf_updateReaderLamps();
     g_seconds = 0;
     pauseCountdown = 0;
@@ -109,13 +128,21 @@ void lf_everySecond() {
     lf_updateCounts();
     gf_storeNow(currentSlot());
     ++g_seconds;
+    lf_updateUserStand();
+    lf_serveNewAcList();
     gf_answerCallsignQuery();
+    lf_userInTheAir();
+    lf_userOnTheGround();
+    lf_taxiingAgainstStatics();
+    lf_serveBlock();
 }
 
 void lf_every15Seconds() {
     const int32_t second = g_seconds;
     gf_setFilterPos(engineUser.pos());
     if (rtLevel2) gf_sendSimTime(simEpoch);
+    if (!reservedStand.empty()) lf_clearReservedStand();
+    rereadParkAirports();
     if (gf_anyReaderStale()) gf_updateReaderLamps();
     if (second % 30 == 0 && AUTO_RANGE.value) gf_autoRange();
     if (second % 60 == 0) {
@@ -143,7 +170,10 @@ void lf_notRunningTick() {
     }
     lf_processSimInbox();
     --pauseCountdown;
-    if (pauseCountdown % 100 == 0) gf_sendPosition();
+    if (pauseCountdown % 100 == 0) {
+        rereadParkAirports();
+        gf_sendPosition();
+    }
     if (pauseCountdown < 1) {
         pauseCountdown = 100;
         lf_updateCounts();

@@ -2,16 +2,21 @@
 // saying no.
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "core/errors.h"
 #include "core/log.h"
 #include "core/messages.h"
 #include "core/parameters.h"
 #include "engine/engine.h"
 #include "engine/engine_state.h"
+#include "engine/flight_plan.h"
 #include "engine/levels.h"
 #include "engine/live_table.h"
 #include "engine/spawning.h"
 #include "liveries/catalogue.h"
+#include "parking/stands.h"
+#include "parking/static_ac.h"
 #include "simlink/ai_commands.h"
 #include "simlink/session.h"
 #include "simlink/sim_ids.h"
@@ -68,6 +73,26 @@ void activate(const SimMsg& message) {
     }
 }
 
+void startStay(LiveAc& record) {
+    record.parkedAt = gf_weekSlotNow();
+    const std::string stand = lf_standName(record.standId);
+    if (LOG.value) gf_log(fmt::format("{:8}: {:8} parks", stand, record.callsign));
+    if (record.standId == 0) return;
+    const auto under = std::find_if(staticAcs.begin(), staticAcs.end(), [&](const StaticAc& other) {
+        return other.standId == record.standId && other.simState != SimObjectState::removingfromsim;
+    });
+    if (under == staticAcs.end()) return;
+    gf_log(fmt::format("{:8}: {:8} parks over static {}", stand, record.callsign, under->callsign));
+    removeAircraftFromSim(*under);
+    lf_sweepStatics();
+}
+
+void staticRemoved(uint32_t objectId) {
+    for (StaticAc& record : staticAcs)
+        if (record.objectId == objectId) record.eraseNow = true;
+    lf_sweepStatics();
+}
+
 }  // namespace
 
 void lf_landOnSpawn(LiveAc& record) {
@@ -75,13 +100,14 @@ void lf_landOnSpawn(LiveAc& record) {
     if (record.category != AcCategory::Rotorcraft) simEvent(record.objectId, ev::gearSet, 1);
     record.dAlt = 0;
     record.groundCount = 1;
-    if (record.stage == FlightStage::parked) record.parkedAt = gf_weekSlotNow();
+    if (record.stage == FlightStage::parked) startStay(record);
 }
 
 bool lf_objectIdentified(LiveAc& record, const SimMsg& message) {
     lf_setObjectId(record, message.objectId);
     record.agl = message.b;
     if (!record.stream.empty() && !record.stream.front().airborne) lf_landOnSpawn(record);
+    lf_attachFlightPlan(record);
     gf_requestStaticData(record.objectId);
     return true;
 }
@@ -105,8 +131,13 @@ void lf_objectRemoved(uint32_t objectId) {
     std::erase(removalQueue, objectId);
     std::erase_if(pendingObjects, [objectId](const SimMsg& message) { return message.objectId == objectId; });
     LiveAc* record = lf_findLiveByObject(objectId);
-    if (!record) return;
+    if (!record) {
+        staticRemoved(objectId);
+        return;
+    }
     engineCounters.removed.fetch_add(1, std::memory_order_relaxed);
+    if (record->hasFlightPlan) lf_deleteFlightPlan(objectId);
+    record->hasFlightPlan = false;
     if (record->simState != SimObjectState::liveryrespawn) {
         lf_eraseLive(*record);
         return;

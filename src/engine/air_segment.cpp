@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "engine/air_schedule.h"
 #include "engine/category_constants.h"
+#include "engine/landing.h"
 #include "engine/slack.h"
 #include "engine/update_cycle.h"
 #include "feed/feed.h"
@@ -119,6 +121,16 @@ void setClimb(LiveAc& record) {
     }
 }
 
+/// May replace stream[1].
+void setClimbAndPitch(LiveAc& record) {
+    record.vsFpm = record.stream[1].vs;
+    setClimb(record);
+    if (record.stage == FlightStage::take_off) return;
+    const double limit = gf_categoryConstants(record.category).maxPitchRate;
+    const double change = lf_pitchFor(record.stream[1].vs) - record.simPitch;
+    record.dPitch = std::clamp(change / lf_segmentTicks(record), -limit, limit);
+}
+
 double headingChange(const LiveAc& record, const LivePos& next) {
     const double limit = record.landing ? lowAglLanding : lowAgl;
     if (next.hasTrueHeading && next.roll && next.trueHeading && record.agl < limit)
@@ -150,15 +162,12 @@ void lf_aimAtNext(LiveAc& record) {
 void lf_setupAirSegment(LiveAc& record, LivePos& next) {
     if (record.stage != FlightStage::take_off) gf_setStage(record, FlightStage::flying);
     record.tasKn = next.tas;
-    record.vsFpm = next.vs;
-    if (record.flareState == 0) setClimb(record);
+    const bool flaring = record.flareState != 0;
+    if (!flaring) setClimbAndPitch(record);
 
     const LivePos& target = record.stream[1];
     const CategoryConstants& limits = gf_categoryConstants(record.category);
     const double ticks = lf_segmentTicks(record);
-    if (record.flareState == 0 && record.stage != FlightStage::take_off)
-        record.dPitch = std::clamp((lf_pitchFor(target.vs) - record.simPitch) / ticks, -limits.maxPitchRate,
-                                   limits.maxPitchRate);
     const double turn = headingChange(record, target);
     record.dHeading = turn / ticks;
     if (target.roll) {
@@ -167,6 +176,11 @@ void lf_setupAirSegment(LiveAc& record, LivePos& next) {
         const double bank = std::clamp(-turn, -limits.maxBank, limits.maxBank);
         record.dBank = std::clamp((bank - record.simBank) / ticks, -limits.maxBankRate, limits.maxBankRate);
     }
+    // The flare has written its own sink into the report at the front, which may hide a go-around.
+    if (flaring && target.airborne && target.vs > goAroundFpm) record.stream[0].vs = target.vs;
+    lf_airSchedule(record);
+    // A go-around: the flare's sink would go on into the runway for the whole segment.
+    if (flaring && record.flareState == 0) setClimbAndPitch(record);
 }
 
 double lf_pitchFor(double vs) {

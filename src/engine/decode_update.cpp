@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/geodesy.h"
+#include "core/parameters.h"
 #include "engine/engine.h"
 #include "engine/live_table.h"
 #include "engine/slack.h"
@@ -17,6 +18,7 @@ namespace {
 constexpr double metersPerSecondPerKnot = 0.514444;
 constexpr double shortestGap = 1.0;  // seconds of feed time
 constexpr int32_t implausibleLimit = 3;
+constexpr double leftStandNm = 200 / metersPerNm;
 
 double degreesApart(double a, double b) {
     return std::abs(wrapLon(a - b));
@@ -53,10 +55,25 @@ bool isImplausible(const LiveAc& record, const LivePos& pos) {
     return needed > 2 * std::max({last.speed, pos.speed, 60.0});
 }
 
+/// The reports of an aircraft that stands go on elsewhere: it has left while nothing was heard of it, and no
+/// report from there could join its stream.
+bool hasLeftUnheard(const LiveAc& record, const LivePos& pos) {
+    if (record.simState != SimObjectState::active) return false;
+    if (record.stage == FlightStage::parked) return gf_distanceNm(record.standPos, pos.pos()) > leftStandNm;
+    if (!record.holding && record.stage != FlightStage::pushed_back) return false;
+    return gf_distanceNm(record.stream.front().pos(), pos.pos()) >
+           HOLDING_THRESHOLD_METERS.value / metersPerNm;
+}
+
 bool isDropped(LiveAc& record, const TrafficUpdate& update) {
     const LivePos& last = record.stream.back();
     const double gap = update.feedTime - record.lastFeedTime;
-    if (!(gap > shortestGap) || speedJumps(last.speed, update.pos.speed)) return true;
+    if (!(gap > shortestGap)) return true;
+    if (hasLeftUnheard(record, update.pos)) {
+        removeAircraftFromSim(record);
+        return true;
+    }
+    if (speedJumps(last.speed, update.pos.speed)) return true;
     if (record.predictLeft < 1 && addsNothing(last, update.pos, gap)) return true;
     if (!isImplausible(record, update.pos)) {
         record.implausibleReports = 0;

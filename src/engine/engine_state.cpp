@@ -1,13 +1,16 @@
 // See the header.
 #include "engine/engine_state.h"
 
+#include <algorithm>
 #include <array>
 #include <type_traits>
 
 #include "core/locks.h"
+#include "engine/conflicts.h"
 #include "engine/engine_tick.h"
 #include "engine/live_table.h"
 #include "engine/update_cycle.h"
+#include "parking/static_ac.h"
 
 namespace skl {
 
@@ -25,6 +28,10 @@ std::vector<SimMsg> pendingObjects;
 uint32_t watchedObjectId = 0;
 int32_t liveLimit = 0;
 EngineCounters engineCounters;
+
+void lf_noteNewAc(uint32_t hexid) {
+    if (std::find(newAcList.begin(), newAcList.end(), hexid) == newAcList.end()) newAcList.push_back(hexid);
+}
 
 void gf_countEngine() {
     std::array<uint32_t, std::extent_v<decltype(EngineCounters::byState)>> states{};
@@ -48,6 +55,8 @@ void gf_reserveEngine() {
 
 void gf_resetEngine() {
     lf_clearLive();
+    staticAcs.clear();
+    lf_resetConflicts();
     addingStack.clear();
     creationQueueLive.clear();
     creationQueueStatic.clear();

@@ -29,6 +29,9 @@ extern std::vector<SimMsg> pendingObjects;      ///< under g_eventLock
 extern uint32_t watchedObjectId;  ///< object shown as the answer to the callsign question; 0 none
 extern int32_t liveLimit;         ///< the user's limit on live aircraft while an airport has its own
 
+/// The aircraft's conflicts with statics are to be checked, once.
+void lf_noteNewAc(uint32_t hexid);
+
 /// What the engine has done since the process started, for status lines and the stand-ins' comparison.
 struct EngineCounters {
     std::atomic<uint64_t> created{0}, identified{0}, removed{0}, refused{0}, decoded{0};
@@ -42,7 +45,7 @@ void gf_countEngine();
 
 /// Reserves the working tables at the start of a run.
 void gf_reserveEngine();
-/// Empties every table and sets engineTick to 0: between two runs, and in tests.
+/// Empties every table, that of the statics too, and sets engineTick to 0: between two runs, and in tests.
 void gf_resetEngine();
 
 }  // namespace skl

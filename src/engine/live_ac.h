@@ -80,12 +80,16 @@ struct AcBase {
     bool eraseNow = false, eraseFromQueue = false;
 };
 
+/// A quadratic Bezier curve in a flat frame whose origin is its start; metres north and east of it.
 struct GroundCurve {
-    double fromT = std::numeric_limits<double>::quiet_NaN();
-    double toT = std::numeric_limits<double>::quiet_NaN();
-    LaLo control{std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN()};
-    LaLo start, end;
-    bool set() const { return !std::isnan(control.lat); }
+    double originLat = 0, originLon = 0;  ///< degrees
+    double t0 = std::numeric_limits<double>::quiet_NaN();
+    double endNorth = 0, endEast = 0;
+    double t1 = std::numeric_limits<double>::quiet_NaN();
+    double ctrlEast = std::numeric_limits<double>::quiet_NaN();
+    double ctrlNorth = std::numeric_limits<double>::quiet_NaN();
+    double degreesPerMeterEast = 0;  ///< at the origin
+    bool set() const { return !std::isnan(ctrlEast) && !std::isnan(ctrlNorth); }
 };
 
 struct LiveAc : AcBase {

@@ -1,7 +1,14 @@
-// One tick of motion: additions only, whatever needs trigonometry was worked out when the segment began.
+// One tick of motion: additions only, whatever needs trigonometry was worked out when the
+// segment began, but for a curve on the ground.
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 
+#include "core/log.h"
+#include "engine/ground_curve.h"
+#include "engine/landing.h"
+#include "engine/take_off.h"
 #include "engine/update_cycle.h"
 
 namespace skl {
@@ -9,6 +16,8 @@ namespace skl {
 namespace {
 
 constexpr double lowestFlarePitch = toRad(-4.0);
+constexpr double flareBelowAgl = 400;  // feet
+constexpr double lastCurveT = 0.999999;
 constexpr double turnDeadBand = toRad(0.5);
 
 bool drivesOnGround(FlightStage stage) {
@@ -16,7 +25,24 @@ bool drivesOnGround(FlightStage stage) {
            stage == FlightStage::taxi || stage == FlightStage::parking;
 }
 
+void followCurve(LiveAc& record) {
+    record.curveT = std::clamp(record.curveT + record.curveStep, 0.0, lastCurveT);
+    LaLo position;
+    double course = 0;
+    if (!lf_curveAt(record.curve, record.curveT, position, course)) {
+        gf_log(fmt::format("{} error in curve at index: {:.2F}", record.callsign, record.curveT));
+        return;
+    }
+    record.simLat = position.lat;
+    record.simLon = position.lon;
+    lf_turnTowards(record, record.stage == FlightStage::pushing_back ? course + pi : course);
+}
+
 void moveLaterally(LiveAc& record) {
+    if (record.curve.set()) {
+        followCurve(record);
+        return;
+    }
     if (drivesOnGround(record.stage)) {
         if (record.stage == FlightStage::parking || record.turningOnGround)
             lf_turnTowards(record, record.targetHeading);
@@ -29,7 +55,14 @@ void moveLaterally(LiveAc& record) {
 }
 
 void moveVertically(LiveAc& record) {
-    if (record.flareState != 0) {
+    if (record.stage == FlightStage::take_off) {
+        lf_rotationStep(record);
+        return;
+    }
+    if (record.landing && !record.onGround && record.agl <= flareBelowAgl) lf_flareStep(record);
+    if (record.derotating) {
+        lf_derotate(record);
+    } else if (record.flareState != 0) {
         record.simBank = std::clamp(record.simBank + record.dBank, -pi, pi);
         record.simPitch = std::max(record.simPitch + record.dPitch, lowestFlarePitch);
         record.simAlt += record.dAlt;

@@ -13,6 +13,7 @@
 #include "engine/engine_state.h"
 #include "panel/panel_state.h"
 #include "panel/requests.h"
+#include "parking/stands.h"
 
 namespace skl {
 
@@ -36,6 +37,11 @@ const LiveAc* findFlight(const std::string& callsign, const Test& test) {
         return record.callsign == callsign && test(record);
     });
     return found == liveAcs.end() ? nullptr : &*found;
+}
+
+std::string parkedAt(const LiveAc& record) {
+    if (record.stage != FlightStage::parked) return {};
+    return fmt::format("Parked at {}", lf_standName(record.standId));
 }
 
 void showAnswer(uint32_t objectId) {
@@ -63,7 +69,8 @@ void lf_writeObjectList() {
     for (const LiveAc& record : liveAcs)
         if (hasObject(record))
             lines.push_back(fmt::format("{} {:9} {} {}: {} {}", record.onGround ? "Gnd" : "Air",
-                                        record.callsign, record.airline, record.model, record.objectId, ""));
+                                        record.callsign, record.airline, record.model, record.objectId,
+                                        parkedAt(record)));
     std::sort(lines.begin(), lines.end());
     std::string text;
     for (const std::string& line : lines) text += line + '\n';

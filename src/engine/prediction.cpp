@@ -1,11 +1,14 @@
-// What an aircraft does when its reports have run out: some predicted points along its heading, slower and
-// slower in the air, then it goes.
+// What an aircraft does when its reports have run out: on the ground it arrives at its stand or holds; else
+// some predicted points follow along its heading, slower and slower in the air, then it goes.
 #include <algorithm>
 
+#include "engine/holding.h"
+#include "engine/live_parking.h"
 #include "engine/slack.h"
 #include "engine/spawning.h"
 #include "engine/update_cycle.h"
 #include "panel/traffic_range.h"
+#include "parking/stands.h"
 #include "simlink/user_aircraft.h"
 
 namespace skl {
@@ -15,6 +18,7 @@ namespace {
 constexpr int32_t airPoints = 8, groundPoints = 10, parkedPoints = 1;
 constexpr int32_t airSeconds = 8, groundSeconds = 3;
 constexpr double rangeMarginNm = 0.5;
+constexpr double slowestRollout = 20;  // knots
 
 int32_t pointsToPredict(const LiveAc& record) {
     if (!lf_categoryWanted(record.category)) return 0;
@@ -50,7 +54,7 @@ void brake(LivePos& point) {
         point.speed = to;
         return;
     }
-    point.speed = 20;
+    point.speed = std::min(point.speed, slowestRollout);
 }
 
 /// Sets the speed of the coming leg; false when the aircraft stands.
@@ -85,14 +89,27 @@ void predictPlace(const LiveAc& record, LivePos& point, int32_t seconds) {
         point.vs = 1500;
         point.alt += seconds * 25.0;
     }
-    point.airborne = point.alt > 0;
+    // A point that the engine made on the ground may carry the height of the airport.
+    point.airborne = point.alt > 0 && (point.airborne || !record.onGround);
     if (!point.airborne) point.alt = 0;
+}
+
+/// Only on its wheels can an aircraft stand and wait: in the air a stopped point is no point at all.
+bool holds(const LiveAc& record) {
+    if (!record.onGround) return false;
+    return record.stage == FlightStage::pushed_back ||
+           (record.stage == FlightStage::taxi && !record.departing && !record.rollout);
 }
 
 }  // namespace
 
 bool lf_extendStream(LiveAc& record) {
-    if (record.stream.empty() || record.predictLeft < 0) return false;
+    if (record.stream.empty()) return false;
+    if (record.stage == FlightStage::parking)
+        lf_arrival(record);
+    else if (holds(record))
+        return lf_holdingStep(record);
+    if (record.predictLeft < 0) return false;
     if (record.predictLeft == 1) {
         record.predictLeft = -1;
         return false;
@@ -116,7 +133,9 @@ void lf_predictPoint(LiveAc& record, int32_t n) {
     }
     point.time += parked ? ticksOfAWeek : seconds * ticksPerSecond;
     record.stream.push_back(point);
-    if (parked) record.parkedMoving = false;
+    if (!parked) return;
+    record.parkedMoving = false;
+    if (Stand* stand = lf_findStand(record.standId)) stand->occupied = false;
 }
 
 }  // namespace skl

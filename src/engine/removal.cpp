@@ -11,6 +11,7 @@
 #include "engine/live_table.h"
 #include "engine/spawning.h"
 #include "panel/panel_state.h"
+#include "parking/stands.h"
 
 namespace skl {
 
@@ -35,6 +36,16 @@ bool lf_forgetWatched(uint32_t objectId) {
     return true;
 }
 
+namespace {
+
+/// A static aircraft never takes a stand from the live ones.
+void freeStand(const AcBase& record) {
+    if (record.hexid <= highestStaticId || record.standId == 0) return;
+    if (Stand* stand = lf_findStand(record.standId)) stand->occupied = false;
+}
+
+}  // namespace
+
 void removeAircraftFromSim(AcBase& record) {
     if (record.simState == SimObjectState::buffer) {
         record.eraseNow = true;
@@ -48,9 +59,11 @@ void removeAircraftFromSim(AcBase& record) {
     if (record.simState == SimObjectState::liveryrespawn) {
         // Its object is on the way out already.
         record.simState = SimObjectState::removingfromsim;
+        freeStand(record);
         return;
     }
     record.simState = SimObjectState::removingfromsim;
+    freeStand(record);
     if (lf_forgetWatched(record.objectId)) CALLSIGN_2_OBJECTID.set("");
     if (record.objectId != 0) {
         lf_queueRemoval(record.objectId);

@@ -7,6 +7,7 @@
 #include "core/log.h"
 #include "core/parameters.h"
 #include "engine/category_constants.h"
+#include "engine/conflicts.h"
 #include "engine/engine.h"
 #include "engine/engine_state.h"
 #include "engine/live_table.h"
@@ -118,6 +119,8 @@ bool refreshActive(LiveAc& record, const TrafficUpdate& update) {
         lf_setCallsign(record, update.callsign);
         record.coupledIn = update.callsign;
         record.coupledOut.clear();
+        // Behind the change: an aircraft that was a ghost itself has just become real and is not to go.
+        if (!update.callsign.ends_with('_')) lf_ghostTest(update.callsign);
         differs = true;
     }
     if (!differs || !GUID_CHANGES.value) return true;

@@ -6,6 +6,7 @@
 #include "core/log.h"
 #include "engine/engine.h"
 #include "engine/engine_state.h"
+#include "engine/landing.h"
 #include "engine/live_table.h"
 #include "engine/spawning.h"
 
@@ -44,8 +45,10 @@ void heightReported(const SimMsg& message) {
                          record->simState != SimObjectState::removingfromsim &&
                          record->stage != FlightStage::take_off;
     if (touches) {
+        if (record->flareState != 0 || record->landing) lf_touchdown(*record);
         record->onGround = true;
         record->dAlt = 0;
+        record->vsFpm = record->simVs = 0;
         record->groundCount = 1;
     }
     record->agl = message.b;

@@ -4,6 +4,7 @@
 #include "core/parameters.h"
 #include "core/text.h"
 #include "engine/category_constants.h"
+#include "engine/conflicts.h"
 #include "engine/engine.h"
 #include "engine/engine_state.h"
 #include "engine/live_table.h"
@@ -63,7 +64,7 @@ std::optional<std::string> lf_airlineOfCallsign(std::string_view callsign) {
 }
 
 bool lf_ghostOfKnown(std::string_view callsign) {
-    return callsign.ends_with('_') && lf_findLiveByCallsign(callsign.substr(0, callsign.size() - 1));
+    return callsign.ends_with('_') && lf_liveCallsignExists(callsign);
 }
 
 std::string lf_unmatchedKey(const AcBase& record) {

@@ -5,7 +5,9 @@
 
 #include "core/log.h"
 #include "engine/air_segment.h"
+#include "engine/conflicts.h"
 #include "engine/engine_state.h"
+#include "engine/live_parking.h"
 #include "engine/spawning.h"
 #include "liveries/catalogue.h"
 
@@ -49,6 +51,35 @@ bool chooseLivery(LiveAc& record) {
     return true;
 }
 
+void standOn(LiveAc& record, const Stand& stand) {
+    record.standPos = stand.pos();
+    record.standHeading = stand.heading;
+    record.standId = stand.sid;
+    record.standCargo = stand.cargo;
+    gf_setStage(record, FlightStage::parked);
+    lf_beginStay(record);
+    lf_fixCargo(record);
+    record.stream.resize(1);
+    LivePos& front = record.stream.front();
+    front.lat = stand.lat;
+    front.lon = stand.lon;
+    front.track = toDeg(stand.heading);
+    lf_enforceMaxPark(true);
+}
+
+void chooseFirstStage(LiveAc& record) {
+    if (record.stream.front().airborne) {
+        gf_setStage(record, FlightStage::flying);
+        return;
+    }
+    const Stand* stand = lf_findSpawnStand(record);
+    if (record.eraseNow) return;
+    if (stand)
+        standOn(record, *stand);
+    else
+        gf_setStage(record, FlightStage::taxi);
+}
+
 double firstHeading(const LiveAc& record) {
     if (record.respawnHeading) return *record.respawnHeading;
     if (record.stage == FlightStage::parked) return record.standHeading;
@@ -78,16 +109,16 @@ void spawnLiveAc(LiveAc& record) {
     normaliseStops(record.stream);
     if (record.stage == FlightStage::birth) {
         if (!chooseLivery(record)) return;
-        gf_setStage(record, record.stream.front().airborne ? FlightStage::flying : FlightStage::taxi);
+        chooseFirstStage(record);
     }
     if (record.eraseNow) return;
-    if (std::find(newAcList.begin(), newAcList.end(), record.hexid) == newAcList.end())
-        newAcList.push_back(record.hexid);
+    lf_noteNewAc(record.hexid);
     takeFirstPose(record);
     record.nearUser = false;
     record.simState = SimObjectState::adding2sim;
     record.addingSince = 0;
     addingStack.push_back(record.hexid);
+    if (!record.callsign.ends_with('_')) lf_ghostTest(record.callsign);
 }
 
 }  // namespace skl

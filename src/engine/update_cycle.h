@@ -3,6 +3,7 @@
 // Worker thread only.
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "engine/live_ac.h"
@@ -43,6 +44,8 @@ void lf_moveOneTick(LiveAc& record);
 /// Turns the nose towards `target` (radians) by at most the turn rate in force.
 void lf_turnTowards(LiveAc& record, double target);
 
+/// From a handler: the exception that is being handled, with the function's name and who the aircraft is.
+void lf_logTickFailure(std::string_view where, const LiveAc& record);
 /// Within `degrees` of each other in latitude and in longitude, the date line included.
 bool lf_samePlace(LaLo a, LaLo b, double degrees = 1e-8);
 

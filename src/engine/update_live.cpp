@@ -8,6 +8,7 @@
 #include "core/log.h"
 #include "engine/air_segment.h"
 #include "engine/engine.h"
+#include "engine/ground_segment.h"
 #include "engine/slack.h"
 #include "engine/spawning.h"
 #include "engine/update_cycle.h"
@@ -19,19 +20,6 @@ std::vector<PosEntry> posWriteSide;
 namespace {
 
 constexpr double settlingPerTick = -0.1;  // feet: 600 feet a minute
-
-void logTickFailure(std::string_view where, const LiveAc& record) {
-    std::string text;
-    try {
-        throw;
-    } catch (const std::exception& e) {
-        text = e.what();
-    } catch (...) {
-        text = "unknown exception";
-    }
-    gf_logError(fmt::format("{}: {} {}, sz:{}, fs:{}, st:{}", where, text, gf_description(record),
-                            record.stream.size(), gf_stageWord(record.stage), gf_stateWord(record.simState)));
-}
 
 /// A helicopter whose reports stand on the ground while it still flies comes straight down.
 bool settles(const LiveAc& record, const LivePos& point) {
@@ -50,10 +38,17 @@ void standStill(LiveAc& record, const LivePos& next) {
     if (!record.rollout && !record.departing) lf_decaySlack(record);
 }
 
+/// Where the leg leads; an aircraft that is pushed keeps its nose.
+double legHeading(const LiveAc& record) {
+    if (record.stage == FlightStage::pushing_back) return record.simHeading;
+    return bearingRad(record.stream[0].pos(), record.stream[1].pos());
+}
+
 void requireFiniteMotion(const LiveAc& record) {
     // A sum is finite only if all its terms are.
     const double sum = record.dLat + record.dLon + record.dAlt + record.dPitch + record.dBank +
-                       record.dHeading + record.vsFpm + record.tasKn + record.targetHeading;
+                       record.dHeading + record.vsFpm + record.tasKn + record.targetHeading +
+                       record.turnRate + record.curveStep;
     if (!std::isfinite(sum)) throw std::range_error("motion is not finite");
 }
 
@@ -110,6 +105,19 @@ void tickActive(LiveAc& record) {
 
 }  // namespace
 
+void lf_logTickFailure(std::string_view where, const LiveAc& record) {
+    std::string text;
+    try {
+        throw;
+    } catch (const std::exception& e) {
+        text = e.what();
+    } catch (...) {
+        text = "unknown exception";
+    }
+    gf_logError(fmt::format("{}: {} {}, sz:{}, fs:{}, st:{}", where, text, gf_description(record),
+                            record.stream.size(), gf_stageWord(record.stage), gf_stateWord(record.simState)));
+}
+
 bool lf_samePlace(LaLo a, LaLo b, double degrees) {
     return std::abs(a.lat - b.lat) <= degrees && std::abs(wrapLon(a.lon - b.lon)) <= degrees;
 }
@@ -121,7 +129,7 @@ bool updateLiveAc(LiveAc& record) {
         else if (record.simState == SimObjectState::active)
             tickActive(record);
     } catch (...) {
-        logTickFailure("updateLiveAc", record);
+        lf_logTickFailure("updateLiveAc", record);
     }
     return record.eraseNow || record.eraseFromQueue;
 }
@@ -130,7 +138,7 @@ void nextPosMain(LiveAc& record) {
     try {
         nextSegmentOrRemoval(record);
     } catch (...) {
-        logTickFailure("nextPosMain", record);
+        lf_logTickFailure("nextPosMain", record);
         // The same stream would fail the same way at each tick.
         removeAircraftFromSim(record);
         throw;
@@ -140,17 +148,24 @@ void nextPosMain(LiveAc& record) {
 void lf_nextSegment(LiveAc& record) {
     record.curve = {};
     record.curveT = 0;
+    record.curveStep = 0;
     record.dHeading = 0;
     if (LivePos& next = record.stream[1]; !next.stopped) {
         next.stopped = lf_samePlace(next.pos(), record.stream.front().pos());
-        if (!next.stopped) record.targetHeading = bearingRad(record.stream.front().pos(), next.pos());
+        if (!next.stopped) record.targetHeading = legHeading(record);
     }
-    if (!record.onGround) lf_timeAirSegment(record);
+    if (record.onGround)
+        nextPosGround(record);
+    else
+        lf_timeAirSegment(record);
     if (LivePos& next = record.stream[1]; next.stopped) {
         standStill(record, next);
     } else {
         lf_aimAtNext(record);
-        if (!record.onGround) lf_setupAirSegment(record, next);
+        if (record.onGround)
+            lf_setupGroundSegment(record);
+        else
+            lf_setupAirSegment(record, next);
     }
     requireFiniteMotion(record);
     // The shortest segment is flown to its end too.

@@ -21,8 +21,11 @@ struct PanelState {
 
     std::atomic<int32_t> messageStamp{0};
     std::atomic<uint64_t> liveCount{0}, simaddonCount{0}, thirdpartyCount{0}, liveryCount{0};
+    std::atomic<uint64_t> parkedLiveCount{0};
+    std::atomic<float> averageFitLive{-1.0f};  ///< hours; above 0 is shown
     std::atomic<int32_t> qnh{0};
     std::atomic<int32_t> minutesToRenewal{0};
+    std::atomic<int32_t> maxParkPercent{0};
     std::atomic<bool> feedLampBlack{true}, feedConnected{false}, simConnected{false}, simRunning{false};
     std::atomic<bool> userSpanKnown{true};
     std::atomic<int32_t> trafficState{readerStopped}, weatherState{readerStopped};

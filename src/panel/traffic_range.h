@@ -13,7 +13,5 @@ extern std::atomic<int> savedRange;      ///< the user's RANGE while AUTO_RANGE 
 void gf_applyRange(double miles);
 /// Applies the range that fits the user's height; called while AUTO_RANGE is on. Worker only.
 void gf_autoRange();
-/// The entry of the list of ranges nearest to `miles`, below 7 the value itself.
-int lf_snapRange(int miles);
 
 }  // namespace skl

@@ -30,7 +30,9 @@ constexpr int32_t framesASample = 30;
 /// The user has loaded another flight: this run belongs to the one before.
 void newFlight() {
     // While the program still waits for a flight, one that loads is the one waited for.
-    if (g_cycleRunning && !gf_stopping()) gf_requestStop(ExitReason::newFlight, 45);
+    if (!g_cycleRunning || gf_stopping()) return;
+    lf_noteFlightEnd();
+    gf_requestStop(ExitReason::newFlight, 45);
 }
 
 void handleEvent(ByteReader reader) {

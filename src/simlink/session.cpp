@@ -182,6 +182,11 @@ void gf_allLightsToggle(uint32_t objectId) {
     });
 }
 
+bool gf_sendFlightPlan(uint32_t objectId, std::string_view path) {
+    LockGuard guard(g_simLock);
+    return !g_simError && simHandle && simHandle->aiSetAircraftFlightPlan(objectId, path, req::flightPlan);
+}
+
 void gf_requestUser(UserRecord& record) {
     request("SimConnect request user ac position fails", [](SimConnect& sim) {
         return sim.requestDataOnSimObject(req::userPosition, def::userData, sc::userObject, sc::periodOnce);

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/task.h"
@@ -28,6 +29,8 @@ void gf_requestAircraftInRange(double radiusMeters);
 void gf_requestStaticData(uint32_t objectId);
 /// Toggles all lights of an object at once, without the frame's queue.
 void gf_allLightsToggle(uint32_t objectId);
+/// Gives an object the flight plan of a file. False if the simulator could not be told; the session goes on.
+bool gf_sendFlightPlan(uint32_t objectId, std::string_view path);
 
 /// Empties queues, object lists and the user's records: between two runs, and in tests.
 void gf_resetSimLink();

@@ -34,6 +34,7 @@ std::string userTitle;
 }  // namespace
 
 UserRecord simUser, engineUser;
+std::optional<FlightEnd> userFlightEnd;
 std::atomic<uint32_t> userObjectId{firstUserObjectId};
 std::atomic<bool> userOnGround{false}, userOnGroundKnown{false};
 std::atomic<int64_t> simEpoch{0};
@@ -147,9 +148,15 @@ std::optional<int64_t> lf_epochOf(int64_t year, int64_t dayOfYear, int64_t secon
     return day * 86400 + seconds;
 }
 
+void lf_noteFlightEnd() {
+    LockGuard guard(g_simLock);
+    userFlightEnd = {.position = simUser.pos(), .groundSpeed = simUser.groundSpeed, .onGround = userOnGround};
+}
+
 void lf_resetUser() {
     LockGuard guard(g_simLock);
     simUser = engineUser = {};
+    userFlightEnd.reset();
     lastUserPos = {};
     userTitle.clear();
     userObjectId = firstUserObjectId;

@@ -22,9 +22,16 @@ struct UserRecord {
     LaLo pos() const { return {lat, lon}; }
 };
 
-extern UserRecord simUser;                  ///< under g_simLock; written by the SimConnect thread
-extern UserRecord engineUser;               ///< the worker's copy, taken once a second
-extern std::atomic<uint32_t> userObjectId;  ///< objects at or below it are not ours
+extern UserRecord simUser;     ///< under g_simLock; written by the SimConnect thread
+extern UserRecord engineUser;  ///< the worker's copy, taken once a second
+/// Where a flight ended; the replies that follow are of the next one.
+struct FlightEnd {
+    LaLo position;
+    double groundSpeed = 0;  ///< knots
+    bool onGround = false;
+};
+extern std::optional<FlightEnd> userFlightEnd;  ///< under g_simLock; written by the SimConnect thread
+extern std::atomic<uint32_t> userObjectId;      ///< objects at or below it are not ours
 extern std::atomic<bool> userOnGround, userOnGroundKnown;
 extern std::atomic<int64_t>
     simEpoch;  ///< the simulator's UTC, seconds since 1970; kept while rtLevel2 is set
@@ -34,6 +41,8 @@ extern std::atomic<AcCategory> userCategory;
 /// Asks for a new position and gives the one of the reply before.
 void gf_requestUser(UserRecord& record);
 void gf_requestUserNames();
+/// The user leaves the flight of this run, on the SimConnect thread.
+void lf_noteFlightEnd();
 /// A reply about one object, on the SimConnect thread. Throws UserErrorException 73.
 void lf_dataReply(const SimRecv& message);
 /// Seconds since 1970 of a day of a year of the Gregorian calendar; nothing for numbers that are no date at

@@ -103,7 +103,7 @@ void Motion::pose(std::uint32_t id, const Pose& pose) {
 void Motion::compareStep(const Flight& flight, const Pose& pose) {
     const auto& last = flight.last;
     const double seconds = std::max(pose.t - last.t, frame_);
-    const double knots = std::max({pose.airspeed, last.airspeed, flight.feedKnots, 0.0});
+    const double knots = std::max({std::abs(pose.airspeed), std::abs(last.airspeed), flight.feedKnots});
     const double metres = distanceMetres(last.lat, last.lon, pose.lat, pose.lon);
     step_.add(metres, kStepFactor * knots * kKnotMetresPerSecond * seconds + kStepMetres, flight.tail,
               pose.t);
@@ -152,7 +152,7 @@ void Motion::closeWindow(Flight& flight, const Pose& pose) {
             }
         }
     }
-    groundFigures_.window(start, pose, speed, flight.tail);
+    groundFigures_.window(start, pose, speed, flight.tail, flight.ground);
     flight.lastWindowSpeed = speed;
     flight.lastWindowTime = seconds;
     flight.windowStart = pose;
@@ -161,6 +161,7 @@ void Motion::closeWindow(Flight& flight, const Pose& pose) {
 void Motion::interrupt() {
     for (auto& [id, flight] : flights_) {
         flight.windowOpen = false;
+        flight.ground.moved = false;
     }
 }
 

@@ -17,6 +17,7 @@ namespace {
 constexpr double kHeightFeet = 25;
 constexpr double kLargestReach = 56;  // metres, two of the largest class
 constexpr std::size_t kMostPairs = 10000;
+constexpr std::size_t kPlacesKept = 20;
 
 }  // namespace
 
@@ -31,6 +32,8 @@ void Overlaps::look(double t, const World& world) {
     }
     std::sort(places.begin(), places.end(),
               [](const Place& a, const Place& b) { return a.object->lat < b.object->lat; });
+    // Of the wheels: on the ground the centres of gravity stand at different heights.
+    const auto heightOf = [](const SimObject& object) { return object.alt - object.staticHeight; };
     const double reach = degrees(kLargestReach / kEarthMetres);
     for (std::size_t i = 0; i < places.size(); ++i) {
         const auto& a = *places[i].object;
@@ -38,29 +41,45 @@ void Overlaps::look(double t, const World& world) {
             const auto& b = *places[j].object;
             const double needed = places[i].halfSpan + places[j].halfSpan;
             const double metres = distanceMetres(a.lat, a.lon, b.lat, b.lon);
-            if (metres >= needed || std::abs(a.alt - b.alt) > kHeightFeet) {
+            if (metres >= needed || std::abs(heightOf(a) - heightOf(b)) > kHeightFeet) {
                 continue;
             }
-            ++seconds_;
-            if (pairs_.size() < kMostPairs) {
-                pairs_.emplace(std::min(a.id, b.id), std::max(a.id, b.id));
-            }
-            if (needed - metres > deepest_) {
-                deepest_ = needed - metres;
-                t_ = t;
-                metres_ = metres;
-                first_ = a.tail;
-                second_ = b.tail;
-            }
+            note(t, a, b, metres, needed - metres);
         }
     }
 }
 
+void Overlaps::note(double t, const SimObject& a, const SimObject& b, double metres, double depth) {
+    ++seconds_;
+    const auto key = std::minmax(a.id, b.id);
+    if (pairs_.size() >= kMostPairs && !pairs_.contains(key)) {
+        return;
+    }
+    auto& pair = pairs_[key];
+    ++pair.seconds;
+    if (depth > pair.depth) {
+        pair = {a.tail, b.tail, t, metres, depth, pair.seconds};
+    }
+}
+
 nlohmann::json Overlaps::report() const {
-    nlohmann::json report{{"pairs", pairs_.size()}, {"seconds", seconds_}};
-    if (!pairs_.empty()) {
-        report["worst"] = {
-            {"tails", {standin::utf8Of(first_), standin::utf8Of(second_)}}, {"t", t_}, {"metres", metres_}};
+    std::vector<const Pair*> deepest;
+    for (const auto& [key, pair] : pairs_) {
+        deepest.push_back(&pair);
+    }
+    std::sort(deepest.begin(), deepest.end(),
+              [](const Pair* a, const Pair* b) { return a->depth > b->depth; });
+    deepest.resize(std::min(deepest.size(), kPlacesKept));
+    auto places = nlohmann::json::array();
+    for (const auto* pair : deepest) {
+        places.push_back({{"tails", {standin::utf8Of(pair->first), standin::utf8Of(pair->second)}},
+                          {"t", pair->t},
+                          {"metres", pair->metres},
+                          {"seconds", pair->seconds}});
+    }
+    nlohmann::json report{{"pairs", pairs_.size()}, {"seconds", seconds_}, {"places", places}};
+    if (!places.empty()) {
+        report["worst"] = places.front();
     }
     return report;
 }

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <nlohmann/json_fwd.hpp>
-#include <set>
 #include <string>
 #include <utility>
 
@@ -17,10 +17,16 @@ class Overlaps {
     nlohmann::json report() const;
 
   private:
-    std::set<std::pair<std::uint32_t, std::uint32_t>> pairs_;
+    struct Pair {
+        std::string first, second;  // tails
+        double t = 0, metres = 0;   // where they were deepest in one another
+        double depth = 0;
+        std::uint64_t seconds = 0;
+    };
+    void note(double t, const SimObject& a, const SimObject& b, double metres, double depth);
+
+    std::map<std::pair<std::uint32_t, std::uint32_t>, Pair> pairs_;
     std::uint64_t seconds_ = 0;  // summed over the pairs
-    double deepest_ = 0, t_ = 0, metres_ = 0;
-    std::string first_, second_;
 };
 
 }  // namespace simulator

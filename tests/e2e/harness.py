@@ -113,6 +113,12 @@ class World:
             command += ["--script", path]
         return self.start(name, command)
 
+    def site(self, root, *options):
+        """The data site at the address that the tested build fetches from."""
+        process = self.start("site", [self.build / "site", "--root", root, "--port", "18080", *options])
+        self.wait_for(lambda: "listening" in process.text(), "the site listens")
+        return process
+
     def log(self):
         try:
             return (self.run_folder / "Log.txt").read_text(errors="replace")

@@ -13,6 +13,7 @@ import tempfile
 import time
 from concurrent.futures import ThreadPoolExecutor
 
+import airport_scenarios
 from harness import Failure, World
 
 SCENARIOS = {}
@@ -215,6 +216,9 @@ def refused_liveries(world):
     world.wait_for_log("could not be created by your Sim!")
     stop_and_check(world, program)
     world.check("Could not be created by MSFS:" in world.log(), "the summary names them")
+
+
+airport_scenarios.register(scenario, feed_line, stop_and_check)
 
 
 def loopback_up():

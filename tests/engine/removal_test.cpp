@@ -133,17 +133,5 @@ TEST_F(Removal, TheObjectListIsSortedAndReplaced) {
     EXPECT_FALSE(fs::exists("Callsign2ObjectId.txt"));
 }
 
-TEST_F(Removal, CountsByStateAndStage) {
-    buffered(20001, "A");
-    active(20002, "B", 1);
-    active(20003, "C", 2).stage = FlightStage::taxi;
-    gf_countEngine();
-    EXPECT_EQ(engineCounters.byState[0], 1u);
-    EXPECT_EQ(engineCounters.byState[2], 2u);
-    EXPECT_EQ(engineCounters.byStage[2], 1u);
-    EXPECT_EQ(engineCounters.byStage[4], 1u);
-    EXPECT_EQ(engineCounters.byStage[7], 1u);
-}
-
 }  // namespace
 }  // namespace skl

@@ -78,6 +78,8 @@ TEST_F(Respawn, AnEmptyStreamIsToldAndLeavesTheAircraft) {
     EXPECT_TRUE(removalQueue.empty());
 }
 
+enum class End { stays, respawns, newLivery, refused };
+
 struct Fields {
     std::string callsign = "BAW12", regcode, origin = "LHR", destination = "AMS", airline = "BAW",
                 model = "A320";
@@ -96,115 +98,75 @@ TEST_F(Respawn, IdentityByReport) {
     using Change = std::function<void(LiveAc&, TrafficUpdate&)>;
     const struct {
         const char* what;
-        Change change;
-        bool goesOn, respawns, newLivery;
+        End end;
         Fields want;
+        Change change;
     } cases[] = {
-        {"nothing new", [](auto&, auto&) {}, true, false, false, {}},
-        {"no route in the report",
-         [](auto&, auto& u) { u.origin = u.destination = ""; },
-         true,
-         false,
-         false,
-         {}},
-        {"an end of the route is filled", [](auto& r, auto&) { r.destination = ""; }, false, true, false, {}},
-        {"one end differs", [](auto&, auto& u) { u.destination = "CDG"; }, true, false, false, {}},
+        {"nothing new", End::stays, {}, [](auto&, auto&) {}},
+        {"no route in the report", End::stays, {}, [](auto&, auto& u) { u.origin = u.destination = ""; }},
+        {"an end of the route is filled", End::respawns, {}, [](auto& r, auto&) { r.destination = ""; }},
+        {"one end differs", End::stays, {}, [](auto&, auto& u) { u.destination = "CDG"; }},
         {"another route",
-         [](auto&, auto& u) { u.origin = "MAN", u.destination = "CDG"; },
-         false,
-         true,
-         false,
-         {.origin = "MAN", .destination = "CDG"}},
+         End::respawns,
+         {.origin = "MAN", .destination = "CDG"},
+         [](auto&, auto& u) { u.origin = "MAN", u.destination = "CDG"; }},
         {"another route back to where it is",
-         [](auto&, auto& u) { u.origin = "CDG", u.destination = "LHR"; },
-         true,
-         false,
-         false,
-         {}},
+         End::stays,
+         {},
+         [](auto&, auto& u) { u.origin = "CDG", u.destination = "LHR"; }},
         {"another route while it departs",
-         [](auto& r, auto& u) { u.origin = "MAN", u.destination = "CDG", r.departing = true; },
-         true,
-         false,
-         false,
-         {}},
+         End::stays,
+         {},
+         [](auto& r, auto& u) { u.origin = "MAN", u.destination = "CDG", r.departing = true; }},
         {"another route while it predicts",
-         [](auto& r, auto& u) { u.origin = "MAN", u.destination = "CDG", r.predictLeft = 1; },
-         true,
-         false,
-         false,
-         {}},
+         End::stays,
+         {},
+         [](auto& r, auto& u) { u.origin = "MAN", u.destination = "CDG", r.predictLeft = 1; }},
         {"first registration of the same kind",
-         [](auto&, auto& u) { u.regcode = "G-EUAA"; },
-         true,
-         false,
-         false,
-         {.regcode = "G-EUAA"}},
+         End::stays,
+         {.regcode = "G-EUAA"},
+         [](auto&, auto& u) { u.regcode = "G-EUAA"; }},
         {"first registration of another type",
-         [](auto&, auto& u) { u.regcode = "G-DOCA"; },
-         false,
-         true,
-         true,
-         {.regcode = "G-DOCA", .model = "B738"}},
+         End::newLivery,
+         {.regcode = "G-DOCA", .model = "B738"},
+         [](auto&, auto& u) { u.regcode = "G-DOCA"; }},
         {"first registration after its callsign",
-         [](auto& r, auto& u) { r.regcode = "BAW12", u.regcode = "PH-BXA"; },
-         false,
-         true,
-         true,
-         {.regcode = "PH-BXA", .airline = "KLM", .model = "B738"}},
+         End::newLivery,
+         {.regcode = "PH-BXA", .airline = "KLM", .model = "B738"},
+         [](auto& r, auto& u) { r.regcode = "BAW12", u.regcode = "PH-BXA"; }},
         {"first registration, flown for another",
-         [](auto&, auto& u) { u.regcode = "G-LEAS"; },
-         true,
-         false,
-         false,
-         {.regcode = "G-LEAS"}},
+         End::stays,
+         {.regcode = "G-LEAS"},
+         [](auto&, auto& u) { u.regcode = "G-LEAS"; }},
         {"first registration with a livery of its own",
-         [](auto&, auto& u) { u.regcode = "G-OWNL"; },
-         false,
-         true,
-         true,
-         {.regcode = "G-OWNL"}},
+         End::newLivery,
+         {.regcode = "G-OWNL"},
+         [](auto&, auto& u) { u.regcode = "G-OWNL"; }},
         {"other registration of another type",
-         [](auto& r, auto& u) { r.regcode = "G-EUAA", u.regcode = "G-DOCA"; },
-         false,
-         true,
-         true,
-         {.regcode = "G-DOCA", .model = "B738"}},
+         End::newLivery,
+         {.regcode = "G-DOCA", .model = "B738"},
+         [](auto& r, auto& u) { r.regcode = "G-EUAA", u.regcode = "G-DOCA"; }},
         {"other registration of an airline that does not fly",
-         [](auto& r, auto& u) { r.regcode = "G-EUAA", u.regcode = "PH-BXA"; },
-         true,
-         false,
-         false,
-         {.regcode = "PH-BXA"}},
+         End::stays,
+         {.regcode = "PH-BXA"},
+         [](auto& r, auto& u) { r.regcode = "G-EUAA", u.regcode = "PH-BXA"; }},
         {"other registration of the same operator",
-         [](auto& r, auto& u) { r.regcode = "G-EUAA", u.regcode = "G-WETL"; },
-         true,
-         false,
-         false,
-         {.regcode = "G-WETL"}},
-        {"other callsign",
-         [](auto&, auto& u) { u.callsign = "BAW7"; },
-         false,
-         true,
-         false,
-         {.callsign = "BAW7"}},
+         End::stays,
+         {.regcode = "G-WETL"},
+         [](auto& r, auto& u) { r.regcode = "G-EUAA", u.regcode = "G-WETL"; }},
+        {"other callsign", End::respawns, {.callsign = "BAW7"}, [](auto&, auto& u) { u.callsign = "BAW7"; }},
         {"the registration as callsign",
-         [](auto& r, auto& u) { r.regcode = "GEUAA", u.callsign = "GEUAA"; },
-         true,
-         false,
-         false,
-         {.regcode = "GEUAA"}},
+         End::stays,
+         {.regcode = "GEUAA"},
+         [](auto& r, auto& u) { r.regcode = "GEUAA", u.callsign = "GEUAA"; }},
         {"the ghost of one that is here",
-         [](auto&, auto& u) { u.callsign = "KLM4_", u.regcode = "G-DOCA"; },
-         false,
-         false,
-         false,
-         {}},
+         End::refused,
+         {},
+         [](auto&, auto& u) { u.callsign = "KLM4_", u.regcode = "G-DOCA"; }},
         {"other registration, respawns off",
-         [](auto&, auto& u) { GUID_CHANGES.value = false, u.regcode = "G-DOCA"; },
-         true,
-         false,
-         false,
-         {.regcode = "G-DOCA"}},
+         End::stays,
+         {.regcode = "G-DOCA"},
+         [](auto&, auto& u) { GUID_CHANGES.value = false, u.regcode = "G-DOCA"; }},
     };
     for (const auto& c : cases) {
         gf_resetEngine();
@@ -218,11 +180,12 @@ TEST_F(Respawn, IdentityByReport) {
         TrafficUpdate update = test::firstReport();
         c.change(it, update);
         const Fields want = c.want;
-        EXPECT_EQ(lf_refreshIdentity(it, update), c.goesOn) << c.what;
-        EXPECT_EQ(it.simState, c.respawns ? State::liveryrespawn : State::active) << c.what;
-        EXPECT_EQ(it.stage, c.newLivery ? FlightStage::birth : FlightStage::flying) << c.what;
-        EXPECT_EQ(it.title, c.newLivery ? "" : "A320 BAW") << c.what;
-        EXPECT_EQ(liveryMemory.contains(anyHexid), !c.newLivery) << c.what;
+        EXPECT_EQ(lf_refreshIdentity(it, update), c.end == End::stays) << c.what;
+        const bool newLivery = c.end == End::newLivery, goes = newLivery || c.end == End::respawns;
+        EXPECT_EQ(it.simState, goes ? State::liveryrespawn : State::active) << c.what;
+        EXPECT_EQ(it.stage, newLivery ? FlightStage::birth : FlightStage::flying) << c.what;
+        EXPECT_EQ(it.title, newLivery ? "" : "A320 BAW") << c.what;
+        EXPECT_EQ(liveryMemory.contains(anyHexid), !newLivery) << c.what;
         EXPECT_EQ(it.callsign, want.callsign) << c.what;
         EXPECT_EQ(it.regcode, want.regcode) << c.what;
         EXPECT_EQ(it.origin + it.destination, want.origin + want.destination) << c.what;

@@ -68,27 +68,6 @@ TEST_F(Spawning, WhichReportsMakeARecord) {
     }
 }
 
-TEST_F(Spawning, ARecordTakesItsValuesFromItsCategory) {
-    std::set<double> rotations, climbs;
-    for (uint32_t i = 0; i < 40; ++i) {
-        lf_newAircraft(test::firstReport(20000 + i, fmt::format("C{}", i)));
-        rotations.insert(record(20000 + i).rotatePitch);
-        climbs.insert(record(20000 + i).climbPitch);
-    }
-    const LiveAc& it = record(20000);
-    EXPECT_EQ(it.category, AcCategory::Large);
-    EXPECT_DOUBLE_EQ(it.turnRate, 7 * pi / 18000);
-    EXPECT_EQ(it.coupledIn, it.callsign);
-    EXPECT_EQ(it.stream.size(), 1u);
-    EXPECT_FALSE(it.curve.set());
-    ASSERT_EQ(rotations.size(), 2u);
-    ASSERT_EQ(climbs.size(), 2u);
-    EXPECT_NEAR(*rotations.begin(), toRad(-6.15), 1e-12);
-    EXPECT_NEAR(*rotations.rbegin(), toRad(-5.85), 1e-12);
-    EXPECT_NEAR(*climbs.begin(), toRad(-17.325), 1e-12);
-    EXPECT_NEAR(*climbs.rbegin(), toRad(-15.675), 1e-12);
-}
-
 // One call of the ladder on a due record of two points; what it shows afterwards.
 enum class Fate { spawns, erased, pointDropped, waits };
 
@@ -251,21 +230,6 @@ TEST_F(Spawning, AnAircraftThatComesBackHasItsLivery) {
     lf_handleBuffer(again);
     EXPECT_EQ(again.title, "A320 BAW");
     EXPECT_EQ(liveryMemory[anyHexid], "A320 BAW");
-}
-
-// The queue takes what is on the stack, last in first out, and gives two creations a second.
-TEST_F(Spawning, CreationsGoOutAtTheirPace) {
-    std::vector<std::string> order;
-    for (uint32_t i = 0; i < 5; ++i) buffered(20000 + i, fmt::format("BAW{}", i));
-    test::QueueSimulator simulator;
-    simulator.silent = true;
-    simulator.run(3);
-    EXPECT_EQ(creationQueueLive.front().callsign, "BAW4");
-    EXPECT_NEAR(creationQueueLive.front().position.heading, 89.96, 0.01);
-    simulator.run(147);
-    EXPECT_EQ(simulator.created, 2);  // at ticks 50 and 100
-    simulator.run(200);
-    EXPECT_EQ(simulator.created, 5);
 }
 
 TEST_F(Spawning, QueuesAreServedAtTheirPaceAndLiveOnesFirst) {

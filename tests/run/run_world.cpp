@@ -52,6 +52,9 @@ void RunTest::SetUp() {
     writeFile("plain.xml", database);
     std::filesystem::create_directories("input");
     gf_streamEncrypt(cipherKey, "plain.xml", paths::dbaseEnc);
+    writeFile("input/airports_msfs.xml",
+              "<airports><airport code=\"LSZH\" lat=\"47.458\" lon=\"8.548\" alt=\"1416\" "
+              "iata=\"ZRH\"/></airports>");
     const auto packages = root.parent_path() / "packages";
     std::string config = liveries;
     for (size_t at; (at = config.find("[FLTSIM")) != std::string::npos;) config.replace(at, 7, "[fltsim");

@@ -1,0 +1,20 @@
+// The data site: a plain file server. Without a base (the build's default) there is no site, and every fetch
+// fails at once. Worker thread.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace skl {
+
+/// Whether a site is configured; told once in the log if not.
+bool gf_siteKnown();
+/// The base followed by "MSFS/" when `common` or for MSFS 2020, else by "MSFS2024/".
+std::string gf_siteUrl(bool common);
+/// One GET into a file; true when the whole body was stored. Written beside and renamed, so that a failure
+/// leaves an old file as it was. Ends on a stop, and when no byte has come for 10 s.
+bool gf_download(const std::string& url, const std::filesystem::path& path, bool binary = false);
+/// For tests: another base than the build's.
+void gf_setSiteBase(std::string base);
+
+}  // namespace skl

@@ -1,0 +1,141 @@
+// How many aircraft stand, how long they have stood, and which of them go when there are too many.
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "core/clock.h"
+#include "core/log.h"
+#include "core/parameters.h"
+#include "engine/engine.h"
+#include "engine/engine_state.h"
+#include "engine/live_parking.h"
+#include "panel/panel_state.h"
+#include "parking/stands.h"
+#include "parking/static_ac.h"
+
+namespace skl {
+
+namespace {
+
+constexpr uint64_t clockPerSecond = 10'000'000;
+constexpr int32_t slotsOfADay = 48;
+constexpr int32_t longestStayHeavy = 180, longestStay = 90;  // minutes
+
+int32_t slotOfWeek(WeekSlot slot) {
+    return slot.day * slotsOfADay + slot.halfHour;
+}
+
+/// Half hours; a stay that seems to begin in the future counts as new.
+int32_t ageInSlots(WeekSlot parkedAt, WeekSlot now) {
+    return std::max(0, slotOfWeek(now) - slotOfWeek(parkedAt));
+}
+
+uint64_t secondsParked(const LiveAc& record) {
+    const uint64_t now = lf_parkClock();
+    return now > record.parkedSince ? (now - record.parkedSince) / clockPerSecond : 0;
+}
+
+void removeOldestLive() {
+    LiveAc* oldest = nullptr;
+    for (LiveAc& record : liveAcs)
+        if (lf_isParked(record) && (!oldest || record.parkedSince < oldest->parkedSince)) oldest = &record;
+    if (!oldest) return;
+    if (LOG.value)
+        gf_log(fmt::format("{:8}: {} live max park exceeded, removed", lf_standName(oldest->standId),
+                           gf_description(*oldest)));
+    removeAircraftFromSim(*oldest);
+}
+
+bool standsInSim(const StaticAc& record) {
+    return record.simState == SimObjectState::active || record.simState == SimObjectState::removingfromsim;
+}
+
+void removeOldestStatic() {
+    StaticAc* oldest = nullptr;
+    for (StaticAc& record : staticAcs) {
+        if (!standsInSim(record)) continue;
+        if (!oldest || slotOfWeek(record.parkedAt) < slotOfWeek(oldest->parkedAt)) oldest = &record;
+    }
+    // One that is on its way out already makes the room.
+    if (!oldest || oldest->simState != SimObjectState::active) return;
+    if (LOG.value)
+        gf_log(fmt::format("{:8}: {} static max park exceeded, removed", lf_standName(oldest->standId),
+                           gf_description(*oldest)));
+    removeAircraftFromSim(*oldest);
+}
+
+void showFit(size_t count, int64_t slots) {
+    const float fit =
+        count == 0
+            ? 0
+            : static_cast<float>(static_cast<double>(slots) / (2.0 * static_cast<double>(count)) + 0.5);
+    if (g_panel.averageFitLive.exchange(fit) != fit) gf_invalidate(Band::parking);
+}
+
+}  // namespace
+
+uint64_t lf_parkClock() {
+    return static_cast<uint64_t>(gf_steadyNow().count()) / 100;
+}
+
+void lf_enforceMaxPark(bool oneMore) {
+    if (maxParkCount < 1) return;
+    const auto limit = static_cast<size_t>(maxParkCount);
+    const size_t live = lf_countLiveParked(false) + (oneMore ? 1 : 0);
+    if (!INITIAL_LOAD_ONLY.value && live > limit) removeOldestLive();
+    const auto inSim = static_cast<size_t>(std::count_if(staticAcs.begin(), staticAcs.end(), standsInSim));
+    if (inSim > 0 && inSim + live > limit) removeOldestStatic();
+}
+
+size_t lf_countLiveParked(bool updateFit) {
+    const WeekSlot now = gf_weekSlotNow();
+    size_t count = 0;
+    int64_t slots = 0;
+    for (const LiveAc& record : liveAcs) {
+        if (!lf_isParked(record)) continue;
+        ++count;
+        slots += ageInSlots(record.parkedAt, now);
+    }
+    if (updateFit) showFit(count, slots);
+    return count;
+}
+
+std::vector<ParkedAge> lf_liveParkedAges() {
+    std::vector<ParkedAge> ages;
+    for (LiveAc& record : liveAcs) {
+        if (!lf_isParked(record)) continue;
+        const auto minutes = record.parkedMoving ? 0 : static_cast<int32_t>(secondsParked(record) / 60);
+        const int32_t longest = record.category == AcCategory::Heavy ? longestStayHeavy : longestStay;
+        if (!INITIAL_LOAD_ONLY.value && minutes > longest)
+            removeAircraftFromSim(record);
+        else
+            ages.push_back({record.callsign, minutes, record.standId});
+    }
+    std::stable_sort(ages.begin(), ages.end(),
+                     [](const ParkedAge& a, const ParkedAge& b) { return a.minutes < b.minutes; });
+    return ages;
+}
+
+std::vector<ParkedSeconds> lf_oldestParked() {
+    std::vector<ParkedSeconds> list;
+    for (const LiveAc& record : liveAcs)
+        if (lf_isParked(record)) list.push_back({record.hexid, static_cast<int64_t>(secondsParked(record))});
+    std::stable_sort(list.begin(), list.end(),
+                     [](const ParkedSeconds& a, const ParkedSeconds& b) { return a.seconds > b.seconds; });
+    return list;
+}
+
+void lf_removeOldestParked(size_t n) {
+    std::vector<ParkedSeconds> oldest = lf_oldestParked();
+    oldest.resize(std::min(n, oldest.size()));
+    for (const ParkedSeconds& entry : oldest) {
+        LiveAc* record = lf_findLive(entry.hexid);
+        if (!record) continue;
+        if (LOG.value)
+            gf_log(fmt::format("live parked {} at {} removed", gf_description(*record),
+                               lf_standName(record->standId)));
+        removeAircraftFromSim(*record);
+    }
+}
+
+}  // namespace skl

@@ -1,0 +1,74 @@
+// The airport is left: first its aircraft, then its stands, then what the panel shows of it.
+#include "parking/leave_airport.h"
+
+#include "core/parameters.h"
+#include "engine/engine.h"
+#include "engine/engine_state.h"
+#include "engine/live_table.h"
+#include "feed/feed.h"
+#include "panel/controls.h"
+#include "panel/panel_state.h"
+#include "parking/airport_in_sight.h"
+#include "parking/park_airport.h"
+#include "parking/stands.h"
+#include "parking/static_ac.h"
+
+namespace skl {
+
+namespace {
+
+/// Also one that still drives in: the stand it drives to is about to go.
+bool isAtAirport(const LiveAc& record) {
+    return record.stage <= FlightStage::take_off || record.stage == FlightStage::parking ||
+           record.stage == FlightStage::parked;
+}
+
+void removeLive() {
+    for (LiveAc& record : liveAcs) {
+        if (!isAtAirport(record)) continue;
+        record.standPos = {};
+        record.standHeading = 0;
+        record.standId = 0;
+        record.standCargo = false;
+        if (record.simState != SimObjectState::buffer) removeAircraftFromSim(record);
+    }
+    lf_sweepLive();
+}
+
+/// A learned file may have brought a limit of its own.
+void restoreLiveLimit() {
+    if (MAX_LIVE_SEL.value.exchange(liveLimit) != liveLimit) gf_invalidate(Band::options);
+}
+
+}  // namespace
+
+void lf_removeAllStatics() {
+    for (StaticAc& record : staticAcs)
+        if (record.simState == SimObjectState::active || record.simState == SimObjectState::adding2sim)
+            removeAircraftFromSim(record);
+    lf_sweepStatics();
+}
+
+void lf_leaveParkAirport() {
+    lf_removeAllStatics();
+    removeLive();
+    lf_closeParkAirport();
+    restoreLiveLimit();
+}
+
+void lf_closeParkAirport() {
+    airportFile = {};
+    qualityFactors = {};
+    g_apfLoaded = false;
+    gf_enableControl(flushStaticButton, false);
+    gf_enableControl(parking_percentage, false);
+    parkAirport = {};
+    gf_setGroundReference({});
+    updatesCount = 0;
+    stands.clear();
+    lf_standsChanged();
+    for (auto text : {&PanelState::airportName, &PanelState::airportPublisher, &PanelState::qualityText})
+        gf_setPanelText(text, "", Band::parking);
+}
+
+}  // namespace skl

@@ -1,0 +1,9 @@
+// What goes when an airport is given up. Worker thread only.
+#pragma once
+
+namespace skl {
+
+/// Every static aircraft is removed, or its creation called back.
+void lf_removeAllStatics();
+
+}  // namespace skl

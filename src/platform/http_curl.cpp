@@ -1,0 +1,86 @@
+// One transfer by libcurl. It is driven in small waits, so that the caller is asked in time even while
+// nothing comes, or while a name is looked up.
+#include <curl/curl.h>
+
+#include <memory>
+
+#include "platform/http.h"
+
+namespace skl::platform {
+
+namespace {
+
+constexpr int waitMs = 50;
+constexpr long lowestSuccess = 200, lowestOther = 300;
+
+struct Transfer {
+    const HttpRequest& request;
+    CURL* easy;
+    uint64_t received = 0;
+};
+
+size_t onBody(const char* data, size_t size, size_t count, void* user) {
+    auto& transfer = *static_cast<Transfer*>(user);
+    transfer.received += size * count;
+    return transfer.request.body({data, size * count}) ? size * count : 0;
+}
+
+size_t onHeader(const char*, size_t size, size_t count, void* user) {
+    static_cast<Transfer*>(user)->received += size * count;
+    return size * count;
+}
+
+void setOptions(Transfer& transfer) {
+    CURL* easy = transfer.easy;
+    curl_easy_setopt(easy, CURLOPT_URL, transfer.request.url.c_str());
+    curl_easy_setopt(easy, CURLOPT_USERAGENT, transfer.request.userAgent.c_str());
+    curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, onBody);
+    curl_easy_setopt(easy, CURLOPT_WRITEDATA, &transfer);
+    curl_easy_setopt(easy, CURLOPT_FAILONERROR, 1L);
+    curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, onHeader);
+    curl_easy_setopt(easy, CURLOPT_HEADERDATA, &transfer);
+    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+#if LIBCURL_VERSION_NUM >= 0x075700
+    // An ended transfer does not wait for a name that is still being looked up.
+    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+#endif
+}
+
+/// The result of the transfer that the handle was added for; nothing of it while it is under way.
+bool wholeBody(CURLM* multi, CURL* easy) {
+    int left = 0;
+    while (const CURLMsg* message = curl_multi_info_read(multi, &left)) {
+        if (message->msg != CURLMSG_DONE || message->easy_handle != easy) continue;
+        long status = 0;
+        curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
+        return message->data.result == CURLE_OK && status >= lowestSuccess && status < lowestOther;
+    }
+    return false;
+}
+
+bool drive(CURLM* multi, Transfer& transfer) {
+    for (int running = 1;;) {
+        if (curl_multi_perform(multi, &running) != CURLM_OK) return false;
+        if (running == 0) return wholeBody(multi, transfer.easy);
+        if (!transfer.request.goOn(transfer.received)) return false;
+        if (curl_multi_poll(multi, nullptr, 0, waitMs, nullptr) != CURLM_OK) return false;
+    }
+}
+
+}  // namespace
+
+bool httpGet(const HttpRequest& request) {
+    static const bool ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+    if (!ready) return false;
+    const std::unique_ptr<CURL, void (*)(CURL*)> easy(curl_easy_init(), curl_easy_cleanup);
+    const std::unique_ptr<CURLM, CURLMcode (*)(CURLM*)> multi(curl_multi_init(), curl_multi_cleanup);
+    if (!easy || !multi) return false;
+    Transfer transfer{request, easy.get()};
+    setOptions(transfer);
+    if (curl_multi_add_handle(multi.get(), easy.get()) != CURLM_OK) return false;
+    const bool whole = drive(multi.get(), transfer);
+    curl_multi_remove_handle(multi.get(), easy.get());
+    return whole;
+}
+
+}  // namespace skl::platform
