@@ -1,38 +1,50 @@
 #!/usr/bin/env bash
-# Shows live traffic fly: a simulator stand-in with the user at a large airport, RealTraffic played from a recording on
-# the real ports, and the program between them. Installs and builds what is missing first.
+# Shows live traffic fly, land, park and leave: a simulator stand-in with the user at a large airport, a data site with the
+# airport's stands, RealTraffic played from a recording on the real ports, and the program between them. Installs and
+# builds what is missing first.
 #
-#   ./demo.sh [--seconds N] [--feed FILE --at LAT,LON] [--keep DIR]
+#   ./demo.sh [--seconds N] [--random 0|1] [--feed FILE --at LAT,LON [--site DIR]] [--keep DIR]
 #
-# --seconds  how long traffic is shown, 600 by default
+# --seconds  how long traffic is shown, 900 by default
+# --random   whether the program may choose by chance, 1 by default; with 0 two runs end on the same stands
 # --feed     a recording of your own in place of the generated one, --at the user's place for it (elevation 1416 ft
-#            by --elevation)
+#            by --elevation), --site a folder with downloads/MSFS/archive/stock/<code>.xml for its airport
 # --keep     a folder that gets the log, the trace, the recording and the reports
+#
+# At the end stands how each flight's story ended, with the stand ("Ended at"). Exit status 0 when the flights were shown
+# and all stories ended as told.
 set -euo pipefail
 cd "$(dirname "$0")"
 root=$PWD
 
-seconds=600
+seconds=900
+random=1
 feed=
 at=51.4706,-0.4619
 elevation=83
 keep=
+site_root=
+site_port=18080
 while [ $# -gt 0 ]; do
     case $1 in
         --seconds) seconds=$2; shift 2 ;;
+        --random) [[ $2 == [01] ]] || { echo "--random takes 0 or 1" >&2; exit 2; }; random=$2; shift 2 ;;
+        --site) site_root=$(realpath "$2"); shift 2 ;;
         --feed) feed=$(realpath "$2"); shift 2 ;;
         --at) at=$2; shift 2 ;;
         --elevation) elevation=$2; shift 2 ;;
         --keep) mkdir -p "$2"; keep=$(realpath "$2"); shift 2 ;;
-        -h | --help) sed -n '2,12p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+        -h | --help) sed -n '2,17p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
         *) echo "unknown option $1, see --help" >&2; exit 2 ;;
     esac
 done
 
 tools/install_packages.sh
-build=$root/build/release
-cmake --preset release -DSKYLANTERN_TESTS=OFF -DSKYLANTERN_BENCH=OFF >/dev/null
-cmake --build --preset release | tail -n 1
+# A build of its own: the released program knows another site, or none.
+build=$root/build/demo
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DSKYLANTERN_TESTS=OFF -DSKYLANTERN_BENCH=OFF \
+    -DSKYLANTERN_SITE_BASE="http://127.0.0.1:$site_port/downloads/" >/dev/null
+cmake --build "$build" | tail -n 1
 
 world=$(mktemp -d)
 trap 'kill $(jobs -p) 2>/dev/null || true; wait 2>/dev/null || true; rm -rf "$world"' EXIT
@@ -48,6 +60,7 @@ cat >"$XDG_CONFIG_HOME/Skylantern/parameters.xml" <<XML
 	<parameter name="MSFS_INSTALL_PATH" value="$world/packages" />
 	<parameter name="AUTO_RANGE" value="false" />
 	<parameter name="SCAN_AIRPORTS" value="false" />
+	<parameter name="RANDOM" value="$([ "$random" = 1 ] && echo true || echo false)" />
 </parameters>
 XML
 
@@ -57,8 +70,19 @@ if [ -z "$feed" ]; then
     feed=$world/recording.txt
     expected=(--expected "$world/recording.expected.json")
 fi
+if [ -z "$site_root" ]; then
+    site_root=$world/site
+    python3 demo/make_airports.py "$site_root" >/dev/null
+fi
 
 cd "$world/run"
+"$build/site" --root "$site_root" --port "$site_port" >"$world/site.json" &
+site=$!
+for _ in $(seq 50); do
+    grep -q listening "$world/site.json" && break
+    sleep 0.1
+done
+grep -q listening "$world/site.json" || { echo "the data site does not start on port $site_port" >&2; exit 1; }
 "$build/simulator" --port 2048 --lat "${at%,*}" --lon "${at#*,}" --alt "$elevation" --on-ground 1 --fps 30 \
     --elevation "$elevation" --trace "$world/trace.jsonl" --feed "$feed" >"$world/simulator.json" &
 simulator=$!
@@ -67,18 +91,19 @@ program=$!
 "$build/realtraffic" --feed "$feed" --qnh 1013 >"$world/realtraffic.json" &
 traffic=$!
 
-# Traffic is shown 30 s after it was flown, and the start takes about as long.
-end=$((SECONDS + seconds + 60))
+# Traffic is shown 30 s after it was flown, and the start takes about as long; the last ones need some seconds to settle.
+end=$((SECONDS + seconds + 75))
 while [ $SECONDS -lt $end ] && kill -0 $program 2>/dev/null; do sleep 1; done
 kill -TERM $program 2>/dev/null || true
 wait $program || echo "the program ended with status $?"
-kill -TERM $traffic $simulator 2>/dev/null || true
-wait $traffic $simulator || true
+kill -TERM $traffic $simulator $site 2>/dev/null || true
+wait $traffic $simulator $site || true
 
 cd "$root"
 if [ -n "$keep" ]; then
-    cp "$world/run/Log.txt" "$world/trace.jsonl" "$world/simulator.json" "$world/realtraffic.json" "$feed" "$keep/"
+    cp "$world/run/Log.txt" "$world/trace.jsonl" "$world"/{simulator,realtraffic,site}.json "$feed" "$keep/"
     cp "$world"/recording.expected.json "$keep/" 2>/dev/null || true
 fi
 python3 demo/summary.py "${expected[@]}" --feed "$feed" --trace "$world/trace.jsonl" \
-    --simulator "$world/simulator.json" --realtraffic "$world/realtraffic.json" --log "$world/run/Log.txt"
+    --simulator "$world/simulator.json" --realtraffic "$world/realtraffic.json" --log "$world/run/Log.txt" \
+    --elevation "$elevation"

@@ -1,4 +1,4 @@
-"""Which records the program has to take, which it drops, and which are broken, as long as no airport is in sight.
+"""Which records the program has to take, which it drops, and which are broken, with an airport in sight or without.
 
 The rules stand here once more, apart from the program, so that its counts can be held against them.
 """
@@ -10,6 +10,8 @@ FIELDS = 29
 RANGE_NM = 40.0
 HIGHEST_STATIC_ID = 10000
 GROUND_KNOTS = 35
+GROUND_RULES = ((45, 120), (90, 80), (120, 43))  # feet over the airport and knots: both at most
+GROUND_MILES = 5.0  # from the airport in sight
 NOT_AIRCRAFT = {"BALL", "EMER", "GLID", "GRND", "GND", "PARA", "SERV", "SHIP", "VENT"}
 NOT_CATEGORIES = {"B1", "B2", "B4", "C1", "C2"}
 NUMBER = re.compile(r"-?(\d+\.?\d*|\.\d+)([eE][+-]?\d+)?")
@@ -40,24 +42,34 @@ def present(text):
     return "" if text == "null" else text
 
 
-def verdict(line, centre, range_nm=RANGE_NM):
-    """ADMITTED, BROKEN, or why the record is dropped."""
+def on_ground(altitude, knots, elevation):
+    if altitude <= 0 or knots <= GROUND_KNOTS:
+        return True
+    if elevation is None or altitude >= 14000:
+        return False
+    height = altitude - elevation
+    return height <= 0 or any(abs(height) <= feet and knots <= most for feet, most in GROUND_RULES)
+
+
+def verdict(line, centre, range_nm=RANGE_NM, elevation=None):
+    """ADMITTED, BROKEN, or why the record is dropped. The airport in sight lies at the centre, with an elevation."""
     if " VEH" in line:
         return "vehicle"
     try:
-        return _judge(line.split(","), centre, range_nm)
+        return _judge(line.split(","), centre, range_nm, elevation)
     except _Broken:
         return BROKEN
 
 
-def _judge(f, centre, range_nm):
+def _judge(f, centre, range_nm, elevation):
     if len(f) < FIELDS:
         raise _Broken
     _number(f[14])
     lat, lon = _number(f[2]), _number(f[3])
     if abs(lat) > 90 or abs(lon) > 180 or (abs(lat) <= 0.0001 and abs(lon) <= 0.0001):
         raise _Broken
-    if distance_nm(*centre, lat, lon) > range_nm:
+    miles = distance_nm(*centre, lat, lon)
+    if miles > range_nm:
         return "out of range"
     if len(f[11]) > 12:
         return "no identity"
@@ -82,11 +94,12 @@ def _judge(f, centre, range_nm):
         return "no identity"
     if not present(f[11]) and (not present(f[9]) or "@" in f[9]):
         return "no identity"
-    if altitude <= 0 or knots <= GROUND_KNOTS:
+    ground = on_ground(altitude, knots, elevation)
+    if ground and (elevation is None or miles > GROUND_MILES):
         return "on the ground"
     if f[7]:
         _number(f[7])
-    for number in (5, 23, 20):
+    for number in (5, 20) if ground else (5, 23, 20):
         _number(f[number])
     if not present(f[9]) or "@" in f[9] or len(f[9]) > 8:
         return "no callsign"  # shown only when the program knows the registration
@@ -104,11 +117,13 @@ class Story:
     admitted: int = 0
     spans: list = field(default_factory=list)  # [first, last] seconds of admitted reports without a break
     reasons: dict = field(default_factory=dict)
+    standing: bool = False  # its first admitted report is one of an aircraft that stands
     _open: bool = False
 
-    def add(self, second, judged):
+    def add(self, second, judged, knots=""):
         self.reports += 1
         if judged == ADMITTED:
+            self.standing = self.standing or (self.admitted == 0 and _number(knots) < 1)
             self.admitted += 1
             if self._open and second - self.spans[-1][1] <= LONGEST_GAP:
                 self.spans[-1][1] = second
@@ -143,7 +158,7 @@ def stamp_of(line):
     return float(match.group()) if match else None
 
 
-def expect(lines, centre, range_nm=RANGE_NM):
+def expect(lines, centre, range_nm=RANGE_NM, elevation=None):
     """What the program has to make of a recording: a dictionary as it stands beside a generated one."""
     stories, broken, vehicles = {}, [], 0
     start, second = None, 0.0
@@ -155,7 +170,7 @@ def expect(lines, centre, range_nm=RANGE_NM):
         start = stamp if start is None else start
         if stamp is not None and abs(stamp - start - second) <= 3600:
             second = max(second, stamp - start)
-        judged = verdict(line, centre, range_nm)
+        judged = verdict(line, centre, range_nm, elevation)
         vehicles += judged == "vehicle"
         if judged == BROKEN:
             broken.append(round(second, 1))
@@ -166,14 +181,14 @@ def expect(lines, centre, range_nm=RANGE_NM):
         story.callsign = story.callsign or present(fields[9])
         story.type = story.type or present(fields[10])
         story.registration = story.registration or present(fields[11])
-        story.add(second, judged)
+        story.add(second, judged, fields[8])
     _settle(stories)
     return {
         "centre": list(centre), "rangeNm": range_nm, "start": start, "seconds": round(second, 1),
         "brokenLinesInRange": len(broken), "brokenSeconds": broken, "vehicleLines": vehicles,
         "flights": [{
             "callsign": s.callsign, "hexid": s.hexid, "type": s.type, "registration": s.registration,
-            "reports": s.reports, "admitted": bool(s.spans), "reason": "" if s.spans else s.reason(),
+            "reports": s.reports, "admitted": bool(s.spans), "standing": s.standing, "reason": "" if s.spans else s.reason(),
             "spans": [[round(first, 1), round(last, 1)] for first, last in s.spans],
         } for s in stories.values()],
     }

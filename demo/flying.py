@@ -33,19 +33,20 @@ class Performance:
     descent: float
     lift_off: float  # knots
     category: str    # emitter category
+    half_span: float = 5.0  # metres
 
 
 def _types():
     table = {
-        "A1 light": ("C152 C172 C182 P28A DA40 DA42 SR22 PA34 DR40", 700, 600, 60, "A1"),
-        "rotorcraft": ("EC35 EC45 A109 A139 B407 R44 AS50 S92", 900, 700, 40, "A7"),
-        "business": ("C56X C68A CL35 E55P GLEX GLF5 GLF6 F2TH C525 PC12", 2800, 2200, 120, "A2"),
-        "turboprop": ("AT76 AT72 DH8D SF34", 1500, 1500, 115, "A3"),
+        "A1 light": ("C152 C172 C182 P28A DA40 DA42 SR22 PA34 DR40", 700, 600, 60, "A1", 5.5),
+        "rotorcraft": ("EC35 EC45 A109 A139 B407 R44 AS50 S92", 900, 700, 40, "A7", 5.5),
+        "business": ("C56X C68A CL35 E55P GLEX GLF5 GLF6 F2TH C525 PC12", 2800, 2200, 120, "A2", 12.0),
+        "turboprop": ("AT76 AT72 DH8D SF34", 1500, 1500, 115, "A3", 14.0),
         "large": ("A318 A319 A320 A20N A321 A21N B737 B738 B739 B38M E190 E195 E75L CRJ9 CRJ7 BCS3 B752 F100",
-                  2300, 2000, 140, "A3"),
+                  2300, 2000, 140, "A3", 18.0),
         "heavy": ("A332 A333 A339 A343 A346 A359 A35K A306 B763 B764 B772 B77W B77L B788 B789 B78X MD11",
-                  2000, 1900, 155, "A5"),
-        "very heavy": ("A388 B744 B748 A124", 1500, 1700, 160, "A5"),
+                  2000, 1900, 155, "A5", 32.5),
+        "very heavy": ("A388 B744 B748 A124", 1500, 1700, 160, "A5", 40.0),
     }
     return {name: Performance(*rest) for names, *rest in table.values() for name in names.split()}
 
@@ -79,6 +80,7 @@ class State:
     vertical: float
     turn: float    # degrees a second, right is positive
     ground: bool
+    nose: float | None = None  # degrees, where it is not the direction of the motion
 
 
 def turn_radius(knots):
@@ -155,8 +157,11 @@ def braking_from(knots, metres):
     return math.sqrt((knots * KNOT) ** 2 + 2 * TAXI_BRAKING * metres) / KNOT
 
 
-def fly(points, performance, elevation, longest):
-    """The states of a flight, STEP apart, until the end of its course or for `longest` seconds."""
+def fly(points, performance, elevation, longest, exit_knots=EXIT_KNOTS, end_knots=0.0):
+    """The states of a flight, STEP apart, until the end of its course or for `longest` seconds.
+
+    Who lands takes the corner behind the runway with `exit_knots` and comes to the end with `end_knots`.
+    """
     course = Course(points)
     first = points[0]
     ground = first.ground
@@ -177,7 +182,7 @@ def fly(points, performance, elevation, longest):
             # Slow enough for the exit, and to stop where the course ends.
             left = max(0.0, course.length - distance) * 1852
             to_exit = max(0.0, course.marks[-2] - 0.02 - distance) * 1852
-            allowed = min(ROLL_OUT_KNOTS, braking_from(EXIT_KNOTS, to_exit), braking_from(0, left))
+            allowed = min(ROLL_OUT_KNOTS, braking_from(exit_knots, to_exit), braking_from(end_knots, left))
             speed = max(1.0, towards(speed, allowed, BRAKING * STEP))
             vertical = 0.0
         elif ground:

@@ -2,24 +2,32 @@
 """Makes a recording of live traffic out of described flights: make_recording.py OUT.txt [--flights FILE]
 
 Writes OUT.txt, a record a line as in the datagrams, and OUT.expected.json beside it: for each flight whether and when
-the program has to show it, and how many broken lines it has to tell of. The form of the descriptions stands at the
-top of flight_file.py; flights/heathrow.txt is the one of the demo. The same description gives the same bytes.
+the program has to show it, how the story of each one on the ground must end, and how many broken lines it has to tell
+of. The form of the descriptions stands at the top of flight_file.py; flights/heathrow.txt is the one of the demo. The
+same description gives the same bytes.
 """
 import argparse
 import json
 import math
 import random
 import sys
-from dataclasses import replace
 from pathlib import Path
 
 import admission
+import airport_plan
+import clashes
 import flight_file
-from flying import BANK, GRAVITY, KNOT, STEP, Impossible, fly
+import stories
+from flying import BANK, GRAVITY, KNOT, STEP, Impossible
+from journey import Journey
 
 START = 1700000000  # time stamp of the recording's first second
 FIRST_HEXID = 4194305
-TAXI_STOP = 40      # seconds that a landed aircraft is still heard where its way ends
+STANDING_EVERY = 5  # seconds between the reports of who stands
+ROLLING_EVERY = (2, 2, 3, 3, 4, 5)  # and of who taxies
+TAXI_KNOTS = 40     # beyond that the reports come as in the air
+SLOW_KNOTS = 5
+STALE = 0.8         # seconds that a place on the ground may be older than its stamp
 
 
 def breaking(fields, how):
@@ -46,10 +54,14 @@ def track_and_speed(scene, states, i):
 
 def record(scene, flight, hexid, states, i, stamp, track, rng):
     state = states[i]
+    if state.ground and not flight.vehicle:
+        state = states[max(0, i - int(rng.uniform(0, STALE) / STEP))]
     lat, lon = scene.to_earth(state.x, state.y)
     _, knots = track_and_speed(scene, states, i)
     metres, feet = flight.noise
-    if metres > 0:
+    if state.ground and not flight.vehicle and flight.jitter > 0:
+        lat, lon = airport_plan.offset(lat, lon, *(max(-2, min(2, rng.gauss(0, 1))) * flight.jitter / 2 for _ in "xy"))
+    elif metres > 0:
         lat += rng.gauss(0, metres) / 1852 / 60
         lon += rng.gauss(0, metres) / 1852 / 60 / math.cos(math.radians(lat))
     height = 0 if state.ground else round((state.height + (rng.gauss(0, feet) if feet else 0)) / 25) * 25
@@ -58,7 +70,7 @@ def record(scene, flight, hexid, states, i, stamp, track, rng):
     vertical = 0 if state.ground else round(state.vertical / 64) * 64
     airspeed, turn, roll, heading = "-1", "0", "-1", "-1"
     if not flight.plain and not flight.vehicle:
-        heading = f"{track:.2f}"
+        heading = f"{track if state.nose is None else state.nose:.2f}"
         if not state.ground:
             bank = math.degrees(math.atan(knots * KNOT * math.radians(state.turn) / GRAVITY))
             bank = max(-math.degrees(BANK), min(math.degrees(BANK), bank))
@@ -70,19 +82,20 @@ def record(scene, flight, hexid, states, i, stamp, track, rng):
             turn, roll, "-1", heading, str(vertical), "none", flight.performance.category]
 
 
-def reports(scene, flight, number):
+def pace(flight, state):
+    """Seconds until the next report may come: one value in the air, several on the ground."""
+    if flight.vehicle or not state.ground or state.speed > TAXI_KNOTS:
+        return (flight.every,)
+    return (STANDING_EVERY,) if state.speed < 0.1 else ROLLING_EVERY
+
+
+def reports(scene, flight, states, number):
     """(second, line) of a flight."""
-    longest = scene.seconds - flight.start
-    states = fly(flight.points, flight.performance, scene.elevation, longest)
-    if states[-1].ground and not flight.vehicle:
-        for _ in range(1, int(TAXI_STOP / STEP)):
-            states.append(replace(states[-1], t=states[-1].t + STEP, speed=0.0, vertical=0.0, turn=0.0))
     rng = random.Random(number)
     broken = sorted(flight.broken)
-    phase = (number * 37 % 10) / 10 * flight.every
+    second = max(flight.start, 0) + (number * 37 % 10) / 10 * flight.every
     track = None
-    for k in range(int(longest / flight.every) + 1):
-        second = max(flight.start, 0) + phase + k * flight.every
+    while True:
         i = round((second - flight.start) / STEP)
         if i >= len(states) or second > scene.seconds:
             break
@@ -93,14 +106,45 @@ def reports(scene, flight, number):
         elif track is None:
             track = next((track_and_speed(scene, states, j)[0] for j in range(i, len(states), 10)
                           if states[j].speed > 1), 0.0)
-        if not flight.heard[0] <= second <= flight.heard[1]:
-            continue
-        fields = record(scene, flight, FIRST_HEXID + number * 1021, states, i, f"{START + second:.1f}", track, rng)
-        if broken and second >= broken[0][0]:
-            fields = breaking(fields, broken.pop(0)[1])
-        yield second, ",".join(fields)
+        if states[i].ground and states[i].nose is not None:
+            # Slow ones without attitude send no direction.
+            track = states[i].nose if not flight.plain else new_track if states[i].speed > SLOW_KNOTS else 0.0
+        if flight.heard[0] <= second <= flight.heard[1]:
+            fields = record(scene, flight, FIRST_HEXID + number * 1021, states, i, f"{START + second:.1f}", track, rng)
+            if broken and second >= broken[0][0]:
+                fields = breaking(fields, broken.pop(0)[1])
+            yield second, ",".join(fields)
+        gaps = pace(flight, states[i])
+        second = round(second + (gaps[0] if len(gaps) == 1 else rng.choice(gaps)), 1)
     if broken:
         raise Impossible(f"no report is left to be broken at second {broken[0][0]:.0f}")
+
+
+def journeys(scene):
+    """(its reports, its story or None) of each flight; at the end it warns of those that touch."""
+    flown = []
+    for number, flight in enumerate(scene.flights):
+        try:
+            states, happened = Journey(scene, flight, scene.seconds - flight.start).run()
+            own = list(reports(scene, flight, states, number))
+        except Impossible as complaint:
+            raise Impossible(f"line {flight.line}, {flight.callsign or flight.registration}: {complaint}") from complaint
+        flown.append((flight, states))
+        yield own, stories.of(scene, flight, states, happened, [second for second, _ in own])
+    for clash in clashes.between(flown):
+        print(clash, file=sys.stderr)
+
+
+def write_expected(path, scene, expected, told):
+    """What a run has to show, and how the stories must end."""
+    # Beyond the range nothing is to be seen of it.
+    ends = {flight["callsign"]: flight["spans"][-1][1] for flight in expected["flights"] if flight["spans"]}
+    for story in told:
+        story["last"] = ends.get(story["callsign"], story["last"])
+        story["at"] = min(story["at"], story["last"]) if story["end"] == "away" else story["at"]
+    expected["airport"], expected["stories"] = scene.code, told
+    expected["stands"] = {stand.name: [stand.lat, stand.lon, stand.heading] for stand in scene.plan.stands.values()}
+    path.write_text(json.dumps(expected, indent=1) + "\n", encoding="ascii")
 
 
 def main():
@@ -114,21 +158,24 @@ def main():
     except (flight_file.Complaint, OSError) as complaint:
         sys.exit(str(complaint))
 
-    lines = []
-    for number, flight in enumerate(scene.flights):
-        try:
-            lines += reports(scene, flight, number)
-        except Impossible as complaint:
-            sys.exit(f"{args.flights}, line {flight.line}, {flight.callsign or flight.registration}: {complaint}")
+    lines, told = [], []
+    try:
+        for own, story in journeys(scene):
+            lines += own
+            told += [story] if story else []
+    except Impossible as complaint:
+        sys.exit(f"{args.flights}, {complaint}")
     lines.sort(key=lambda entry: entry[0])
     lines = [line for _, line in lines]
     args.out.write_text("".join(line + "\n" for line in lines), encoding="ascii")
-    expected = admission.expect(lines, (scene.lat, scene.lon), args.range)
-    expected["airport"] = scene.code
-    args.out.with_suffix(".expected.json").write_text(json.dumps(expected, indent=1) + "\n", encoding="ascii")
+    # An airport is in sight where the site has stands for it.
+    elevation = scene.elevation if scene.plan.stands else None
+    expected = admission.expect(lines, (scene.lat, scene.lon), args.range, elevation)
+    write_expected(args.out.with_suffix(".expected.json"), scene, expected, told)
     shown = sum(1 for flight in expected["flights"] if flight["admitted"])
     print(f"{len(lines)} records of {len(expected['flights'])} aircraft, {shown} of them to be shown; "
-          f"{expected['brokenLinesInRange']} broken lines to be told, {expected['vehicleLines']} of vehicles")
+          f"{expected['brokenLinesInRange']} broken lines to be told, {expected['vehicleLines']} of vehicles; "
+          f"{len(told)} stories on the ground")
 
 
 if __name__ == "__main__":

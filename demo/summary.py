@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Tells how a run of the demo went: which flights were shown, by which livery, and how they moved.
+"""Tells how a run of the demo went: which flights were shown, by which livery, how they moved, and how their stories
+ended.
 
-Exit status 0 when the flights that the program has to show were shown: 95 percent of them got an object, and the
-objects were moving for 90 percent of the time that they had to.
+Exit status 0 when the flights that the program has to show were shown (95 percent of them got an object, and the objects
+were there for 90 percent of the time that they had to), and all stories that were over ended as told.
 """
 import argparse
 import json
@@ -11,13 +12,14 @@ import sys
 from pathlib import Path
 
 import admission
+import ground_summary
+import verdict
+from sky import Sky
 
-DELAY = 30.0            # seconds from a report to its showing
 PREDICTION = 64.0       # seconds that a flight may go on without reports
 SHORTEST = 20.0         # seconds to show that must be left for a flight to count
 GOT_OBJECT = 0.95
 ACTIVE = 0.90
-MOVED = 1e-6            # degrees
 
 
 def json_of(path):
@@ -26,46 +28,6 @@ def json_of(path):
     if not lines:
         sys.exit(f"{path} holds no report")
     return json.loads(lines[-1])
-
-
-class Sky:
-    """The objects of a trace: by tail the intervals in which one moved, as seconds since 1970."""
-
-    def __init__(self, path):
-        self.created, self.titles, self.moving, self.end = {}, {}, {}, 0.0
-        alive = {}  # object id: [tail, place at creation, when it first moved]
-        with open(path, encoding="utf-8") as trace:
-            for line in trace:
-                try:
-                    entry = json.loads(line)
-                except ValueError:
-                    continue  # the last line of a run that was cut
-                kind, oid, utc = entry["op"], entry["oid"], entry["utc"]
-                if kind == "create":
-                    alive[oid] = [entry["tail"], (entry["lat"], entry["lon"]), None]
-                    self.created.setdefault(entry["tail"], []).append(utc)
-                    self.titles[entry["tail"]] = entry["title"]
-                elif kind == "pose" and oid in alive:
-                    self.end = max(self.end, utc)
-                    tail, (lat, lon), moved = alive[oid]
-                    if moved is None and max(abs(entry["lat"] - lat), abs(entry["lon"] - lon)) > MOVED:
-                        alive[oid][2] = utc
-                elif kind == "remove" and oid in alive:
-                    self._close(alive.pop(oid), utc)
-        for record in alive.values():
-            self._close(record, self.end)
-
-    def _close(self, record, utc):
-        tail, _, moved = record
-        if moved is not None and utc > moved:
-            self.moving.setdefault(tail, []).append((moved, utc))
-
-    def moved_between(self, tail, first, last):
-        """Seconds, for objects that never were two at a time."""
-        return sum(max(0.0, min(last, end) - max(first, begin)) for begin, end in self.moving.get(tail, []))
-
-    def last_seen(self, tail):
-        return max((end for _, end in self.moving.get(tail, [])), default=0.0)
 
 
 class Verdicts:
@@ -85,10 +47,11 @@ def tell_shown(expected, sky, began, speed, verdicts):
     """The figure "Shown"; true when it is met."""
     due, missing, short, stayed = [], [], [], []
     wanted = active = 0.0
+    parked = {story["callsign"] for story in expected.get("stories", []) if story["end"] == "parked"}
     for flight in expected["flights"]:
         windows = []
         for first, last in flight["spans"]:
-            begin, end = began + first / speed + DELAY, min(began + last / speed + DELAY, sky.end)
+            begin, end = began + first / speed + verdict.DELAY, min(began + last / speed + verdict.DELAY, sky.end)
             if end - begin >= SHORTEST:
                 windows.append((begin, end))
         if not windows:
@@ -102,7 +65,7 @@ def tell_shown(expected, sky, began, speed, verdicts):
             missing.append(flight)
         elif had < ACTIVE * need:
             short.append((had / need, flight))
-        if sky.last_seen(tail) > windows[-1][1] + PREDICTION + 5:
+        if tail not in parked and sky.last_seen(tail) > windows[-1][1] + PREDICTION + 5:
             stayed.append(tail)
     shown = len(due) - len(missing)
     got_object = bool(due) and shown >= GOT_OBJECT * len(due)
@@ -110,7 +73,7 @@ def tell_shown(expected, sky, began, speed, verdicts):
     print(f"Flights         {len(expected['flights'])} in the recording, {len(due)} to be shown in this run")
     print(f"  with object   {shown} of {len(due)}, {percent(shown, len(due)):.1f} percent"
           f" (goal {GOT_OBJECT * 100:.0f}: {verdicts.of(got_object)})")
-    print(f"  moving        {active:.0f} of {wanted:.0f} s, {percent(active, wanted):.1f} percent"
+    print(f"  active        {active:.0f} of {wanted:.0f} s, {percent(active, wanted):.1f} percent"
           f" (goal {ACTIVE * 100:.0f}: {verdicts.of(active_enough)})")
     for flight in missing:
         print(f"  not shown     {flight['callsign']} {flight['type']} {flight['registration']}")
@@ -152,18 +115,10 @@ def tell_motion(motion, generated, verdicts):
         worst = figure.get("worst")
         told = f"; nearest {worst['value']:.2f} of {worst['allowed']:.2f} {unit} allowed ({worst['tail']})" if worst else ""
         print(f"  {name:<13} {figure['breaches']} breaches in {figure['poses']} poses{told}{goal}")
-    wheels = motion.get("onGround", {})
-    touched = [f"{name} {wheels[name]['breaches']}" for name in ("heading", "pitch") if wheels.get(name, {}).get("breaches")]
-    if touched:
-        print(f"  wheels down   {', '.join(touched)} breaches at ground contact (told only: ground motion is to come)")
     for name, rates in sorted(motion.get("air", {}).items(), key=lambda entry: entry[0] != "all"):
         acceleration, yaw, pitch = rates["accelerationG"], rates["yawRate"], rates["pitchRate"]
         print(f"  {name:<13} p99 and worst: {acceleration['p99']:.2f}, {acceleration['max']:.2f} g ({acceleration['tail']});"
               f" yaw {yaw['p99']:.1f}, {yaw['max']:.1f}; pitch {pitch['p99']:.1f}, {pitch['max']:.1f} degrees/s")
-    overlaps = motion.get("overlaps", {})
-    if overlaps:
-        numbers = ", ".join(f"{name} {value}" for name, value in overlaps.items() if isinstance(value, (int, float)))
-        print(f"  overlaps      {numbers}")
 
 
 def tell_log(expected, log, began, speed, played_until, verdicts):
@@ -203,6 +158,7 @@ def main():
     parser.add_argument("--simulator", required=True, help="the output of the simulator stand-in")
     parser.add_argument("--realtraffic", required=True, help="the output of the RealTraffic stand-in")
     parser.add_argument("--log", required=True, help="Log.txt of the program")
+    parser.add_argument("--elevation", type=float, default=0.0, help="of the ground, in feet (0)")
     args = parser.parse_args()
 
     simulator, traffic = json_of(args.simulator), json_of(args.realtraffic)
@@ -217,16 +173,26 @@ def main():
         if place is None:
             sys.exit("Without a position report nobody knows what was in range.")
         lines = Path(args.feed).read_text(encoding="latin-1").splitlines()
-        expected = admission.expect(lines, (place["latitude"], place["longitude"]))
+        in_sight = any("The park airport is" in line for line in log)
+        expected = admission.expect(lines, (place["latitude"], place["longitude"]),
+                                    elevation=args.elevation if in_sight else None)
 
     began, speed = traffic["recordingBeganUtc"], traffic["speed"]
-    sky, verdicts = Sky(args.trace), Verdicts()
+    stories = expected.get("stories", [])
+    standing = {flight["callsign"] for flight in expected["flights"] if flight.get("standing")}
+    sky, verdicts = Sky(args.trace, {story["callsign"] for story in stories}, standing), Verdicts()
     shown = tell_shown(expected, sky, began, speed, verdicts)
     tell_liveries(log)
     tell_motion(simulator["motion"], args.expected is not None, verdicts)
+    ground_summary.tell(simulator["motion"], args.expected is not None, verdicts)
     tell_log(expected, log, began, speed, sky.end, verdicts)
-    print(f"{'Shown' if shown else 'NOT SHOWN as it has to be'}; {verdicts.missed} goals missed")
-    sys.exit(0 if shown else 1)
+    failed = 0
+    if stories:
+        failed = verdict.tell(expected, verdict.Judge(expected, sky, log, began, speed, args.elevation))
+    print(f"{'Shown' if shown else 'NOT SHOWN as it has to be'}; "
+          f"{'all stories ended as told' if not failed else f'{failed} STORIES DID NOT END AS TOLD'}; "
+          f"{verdicts.missed} goals missed")
+    sys.exit(0 if shown and not failed else 1)
 
 
 if __name__ == "__main__":
