@@ -54,7 +54,8 @@ void mergeOptions(const pugi::xml_node& node, std::vector<StandOption>& options)
 }
 
 void mergeStand(const pugi::xml_node& node, Stand& stand) {
-    if (flag(node, "radius_change")) {
+    // A text that is no number leaves the archived radius.
+    if (flag(node, "radius_change") && lf_standNumber(node, "radius", stand.id)) {
         stand.radius = lf_standRadius(node, stand.id);
         stand.radiusChanged = true;
     }
@@ -122,11 +123,12 @@ void merge(const pugi::xml_document& document, const fs::path& path, const Airpo
     gf_log(fmt::format("Read from learned airport file: '{}'", gf_pathText(path)));
     compareNames(document, airportFile);
     lf_readAirportSettings(document);
-    handmade = lf_rowBool(document, "handmade").value_or(false);
+    const auto row = lf_rowBool(document, "handmade");
+    handmade = row.value_or(false);
+    if (row) lf_logRow("handmade", handmade);
     if (handmade) {
         stands.clear();
         lf_readStands(document, stands);
-        lf_logRow("handmade", handmade);
         return;
     }
     StandMerger merger(gf_pathText(path), stands);

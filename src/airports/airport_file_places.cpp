@@ -41,6 +41,8 @@ std::string readLink(const fs::path& folder, const std::string& code) {
     if (line.starts_with(byteOrderMark)) line.erase(0, byteOrderMark.size());
     line = gf_trim(line);
     std::replace(line.begin(), line.end(), '\\', '/');
+    // With a slash in front the path of the learned file would begin at the root.
+    line.erase(0, line.find_first_not_of('/'));
     const size_t end = line.rfind(ending);
     if (end == std::string::npos) return {};
     line.erase(end + ending.size());

@@ -31,16 +31,22 @@ void lf_makeCurve(LiveAc& record) {
     record.stream.erase(record.stream.begin() + 1);
 }
 
-bool lf_curveAt(const GroundCurve& curve, double t, LaLo& position, double& course) {
+bool lf_curvePosition(const GroundCurve& curve, double t, LaLo& position) {
     if (!curve.set() || !(t >= curve.t0 && t <= curve.t1)) return false;
     const double u = (t - curve.t0) / (curve.t1 - curve.t0), w = 1 - u;
     const double north = 2 * w * u * curve.ctrlNorth + u * u * curve.endNorth;
     const double east = 2 * w * u * curve.ctrlEast + u * u * curve.endEast;
+    position.lat = north * degreesPerMeter + curve.originLat;
+    position.lon = east * curve.degreesPerMeterEast + curve.originLon;
+    return true;
+}
+
+bool lf_curveAt(const GroundCurve& curve, double t, LaLo& position, double& course) {
+    if (!lf_curvePosition(curve, t, position)) return false;
+    const double u = (t - curve.t0) / (curve.t1 - curve.t0), w = 1 - u;
     const double towardsNorth = 2 * u * (curve.endNorth - curve.ctrlNorth) + 2 * w * curve.ctrlNorth;
     const double towardsEast = 2 * u * (curve.endEast - curve.ctrlEast) + 2 * w * curve.ctrlEast;
     course = normalizeRad(std::atan2(towardsEast, towardsNorth));
-    position.lat = north * degreesPerMeter + curve.originLat;
-    position.lon = east * curve.degreesPerMeterEast + curve.originLon;
     return true;
 }
 

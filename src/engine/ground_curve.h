@@ -11,4 +11,7 @@ void lf_makeCurve(LiveAc& record);
 /// Position (degrees) and course (radians, 0 to 2 pi) at t; false when the curve is unset or t is outside it.
 bool lf_curveAt(const GroundCurve& curve, double t, LaLo& position, double& course);
 
+/// The position alone, which costs no trigonometry.
+bool lf_curvePosition(const GroundCurve& curve, double t, LaLo& position);
+
 }  // namespace skl

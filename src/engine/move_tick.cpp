@@ -18,6 +18,7 @@ namespace {
 constexpr double lowestFlarePitch = toRad(-4.0);
 constexpr double flareBelowAgl = 400;  // feet
 constexpr double lastCurveT = 0.999999;
+constexpr int32_t courseEvery = 4;  // ticks
 constexpr double turnDeadBand = toRad(0.5);
 
 bool drivesOnGround(FlightStage stage) {
@@ -25,16 +26,22 @@ bool drivesOnGround(FlightStage stage) {
            stage == FlightStage::taxi || stage == FlightStage::parking;
 }
 
+/// The nose follows the course of the curve, worked out at its start and every fourth tick: the curve is the
+/// only trigonometry of a tick.
 void followCurve(LiveAc& record) {
+    const bool begins = record.curveT == 0;
     record.curveT = std::clamp(record.curveT + record.curveStep, 0.0, lastCurveT);
     LaLo position;
-    double course = 0;
-    if (!lf_curveAt(record.curve, record.curveT, position, course)) {
+    const bool fine = begins || engineTick % courseEvery == 0
+                          ? lf_curveAt(record.curve, record.curveT, position, record.targetHeading)
+                          : lf_curvePosition(record.curve, record.curveT, position);
+    if (!fine) {
         gf_log(fmt::format("{} error in curve at index: {:.2F}", record.callsign, record.curveT));
         return;
     }
     record.simLat = position.lat;
     record.simLon = position.lon;
+    const double course = record.targetHeading;
     lf_turnTowards(record, record.stage == FlightStage::pushing_back ? course + pi : course);
 }
 

@@ -61,6 +61,10 @@ void staticDataReported(const SimMsg& message) {
     if (message.a >= 1 && message.a <= 35) record->staticCgFt = message.a;
     const bool strange = message.b <= -toRad(1) || message.b > toRad(2.5);
     record->staticPitch = strange ? usualStaticPitch : message.b;
+    // Else a standing aircraft keeps the pitch of its creation until it moves, and then jumps.
+    if (record->onGround && !record->derotating && record->flareState == 0 &&
+        record->stage != FlightStage::take_off)
+        record->simPitch = record->staticPitch;
 }
 
 /// The object will not come.

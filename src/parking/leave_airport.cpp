@@ -17,7 +17,7 @@ namespace skl {
 
 namespace {
 
-/// Also one that still drives in: the stand it drives to is about to go.
+/// Also one that still drives in, or waits for its next object: its stand is about to go.
 bool isAtAirport(const LiveAc& record) {
     return record.stage <= FlightStage::take_off || record.stage == FlightStage::parking ||
            record.stage == FlightStage::parked;
@@ -30,7 +30,7 @@ void removeLive() {
         record.standHeading = 0;
         record.standId = 0;
         record.standCargo = false;
-        if (record.simState != SimObjectState::buffer) removeAircraftFromSim(record);
+        removeAircraftFromSim(record);
     }
     lf_sweepLive();
 }
@@ -53,7 +53,6 @@ void lf_leaveParkAirport() {
     lf_removeAllStatics();
     removeLive();
     lf_closeParkAirport();
-    restoreLiveLimit();
 }
 
 void lf_closeParkAirport() {
@@ -69,6 +68,8 @@ void lf_closeParkAirport() {
     lf_standsChanged();
     for (auto text : {&PanelState::airportName, &PanelState::airportPublisher, &PanelState::qualityText})
         gf_setPanelText(text, "", Band::parking);
+    // Here, since an airport whose stands prove wrong may have brought its limit already.
+    restoreLiveLimit();
 }
 
 }  // namespace skl

@@ -36,6 +36,7 @@ TEST_F(LearnedFileTest, IsLaidOverTheArchivedOne) {
                    <opt reg="R1" airl="TRA" type="B738" day="1" hh="5"/>
                    <opt reg="R1" airl="KLM" type="B737" day="1" hh="5"/>)") +
                 R"(<parkpos id="A2" cargo_change="true" cargo="true" radius="99"/><parkpos id="gone"/>
+               <parkpos id="A2" radius_change="true" radius="wide"/>
                <parkpos id="A2" manual="true" latitude="52" longitude="4" radius="10"/>
                <parkpos id="M0" manual="true" latitude="0.00005" longitude="0.00005" radius="10"/>
                <parkpos id="M1" manual="true" latitude="52" longitude="4"/>

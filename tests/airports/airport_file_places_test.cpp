@@ -29,7 +29,7 @@ TEST_F(AirportPlacesTest, TheFirstPlaceThatHoldsAFileWins) {
         {"airports/my_thirdparty/EHAM.txt", "../../elsewhere.xml", "airports/my_thirdparty/EHAM.xml"},
         {"airports/my_thirdparty/EHAM.txt",
          "\xef\xbb\xbf"
-         "archive\\thirdparty\\a.xml.b\\EHAM.xmlish",
+         "\\archive\\thirdparty\\a.xml.b\\EHAM.xmlish",
          "archive/thirdparty/a.xml.b/EHAM.xml"},
     };
     EXPECT_FALSE(gf_airportFileKnown("EHAM"));
