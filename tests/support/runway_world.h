@@ -58,12 +58,12 @@ class RunwayTest : public MotionTest {
             tick();
             LiveAc* record = lf_findLive(flownHexid);
             if (!record) return;
-            const double height = record->simAlt - groundFt;
+            const double ground = groundAt(*record), height = record->simAlt - ground;
             if (i % 20 == 0 && height <= 2500) {
                 gf_postSimMsg({.objectId = record->objectId,
                                .hexid = height <= cgFt ? 1u : 0u,
                                .kind = msgHeight,
-                               .a = groundFt,
+                               .a = ground,
                                .b = height});
                 lf_processSimInbox();
             }
@@ -76,7 +76,12 @@ class RunwayTest : public MotionTest {
         const auto is = [&](const SimEvent& e) { return e.event == event && e.data == value; };
         return static_cast<int>(std::count_if(eventQueue.begin(), eventQueue.end(), is));
     }
-    static inline double groundFt = 0;
+    /// The ground rises to the east by `slope`, from the field's height at the aim point.
+    static double groundAt(const LiveAc& record) {
+        const double east = gf_distanceNm(aimPoint, record.simPos()) * feetPerNm;
+        return groundFt + slope * (record.simLon < aimPoint.lon ? -east : east);
+    }
+    static inline double groundFt = 0, slope = 0;
 };
 
 }  // namespace skl::test
