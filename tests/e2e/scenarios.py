@@ -183,7 +183,7 @@ def realtraffic_leaves_and_comes_back(world):
 def second_instance(world):
     """A second start gives 255 at once and touches neither the log nor the parameters."""
     program = world.program()
-    world.wait_for_log("Waiting for MSFS 2020")
+    world.wait_for_log("Waiting for MSFS 2020 ...\n")
     log, parameters = world.log(), world.parameters_text()
     second = world.program("second")
     world.check(second.wait() == 255, "exit status 255")
