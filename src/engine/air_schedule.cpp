@@ -118,7 +118,8 @@ void lf_lowConfig(LiveAc& record) {
     const double vs = record.stream.front().vs;
     const bool near = nearAirport(record);
     if (vs <= descending) {
-        if (!record.landing && near) beginApproach(record);
+        // One descending report just after lift-off is no approach.
+        if (!record.landing && near && record.stage != FlightStage::take_off) beginApproach(record);
     } else if ((vs > goAroundFpm || (record.landing && !near)) && !record.climbCleaned) {
         cleanUp(record);
     }

@@ -81,7 +81,7 @@ void descendToGround(LiveAc& record, LivePos& next) {
 /// helicopter.
 bool hasLowestClimb(const LiveAc& record) {
     if (record.agl > lowAgl) return false;
-    if (record.category == AcCategory::Rotorcraft) return record.stage == FlightStage::take_off;
+    if (record.category == AcCategory::Rotorcraft) return false;
     return record.stream.front().vs > approachSink || !gf_airportInSight() ||
            gf_distanceNm(record.simPos(), parkAirport.pos()) > approachRadiusNm;
 }
@@ -121,11 +121,22 @@ void setClimb(LiveAc& record) {
     }
 }
 
+/// A take-off ends by its height, and no touch-down is seen before: one that sank would go on below the
+/// ground.
+void keepClimbing(LiveAc& record) {
+    if (record.dAlt >= lowestClimb) return;
+    record.dAlt = lowestClimb;
+    record.vsFpm = lowestClimb * ticksPerMinute;
+}
+
 /// May replace stream[1].
 void setClimbAndPitch(LiveAc& record) {
     record.vsFpm = record.stream[1].vs;
     setClimb(record);
-    if (record.stage == FlightStage::take_off) return;
+    if (record.stage == FlightStage::take_off) {
+        keepClimbing(record);
+        return;
+    }
     const double limit = gf_categoryConstants(record.category).maxPitchRate;
     const double change = lf_pitchFor(record.stream[1].vs) - record.simPitch;
     record.dPitch = std::clamp(change / lf_segmentTicks(record), -limit, limit);

@@ -27,7 +27,7 @@ constexpr double runwayLeft = toRad(15);
 constexpr double spoilersInBelow = 90;  // knots
 constexpr double aside = toRad(90), backwards = toRad(150);
 constexpr double standingSpeed = 5, keptSpeed = 40;  // knots
-constexpr double brakingPoints = 3;
+constexpr size_t fewestToDropTwo = 3;                // points
 
 struct FlareStep {
     double height;   // feet of the wheels over the ground
@@ -66,7 +66,9 @@ void dropOvershoot(LiveAc& record, const LivePos& pos) {
     const size_t before = stream.size();
     if (offHeading(record, stream.back().pos(), pos.pos()) < aside) return;
     stream.pop_back();
-    if (before >= brakingPoints && offHeading(record, stream.back().pos(), pos.pos()) >= aside)
+    // There is no bearing to a point on the same spot, whatever the sum says.
+    if (before >= fewestToDropTwo && !lf_samePlace(pos.pos(), stream.back().pos()) &&
+        offHeading(record, stream.back().pos(), pos.pos()) >= aside)
         stream.pop_back();
 }
 
@@ -81,6 +83,11 @@ bool followsOnlyPoint(LiveAc& record, const LivePos& pos) {
     point.lon = record.simLon;
     point.time = engineTick + 1;
     return true;
+}
+
+/// An aircraft that has come to its stop on the runway says so.
+bool isStop(const LivePos& pos) {
+    return !pos.airborne && pos.speed <= standingSpeed;
 }
 
 void endPrediction(LiveAc& record) {
@@ -164,8 +171,7 @@ bool checkNewPosDuringLanding(LiveAc& record, LivePos& pos) {
         return false;
     }
     if (lf_samePlace(pos.pos(), stream.back().pos())) {
-        // An aircraft that has come to its stop on the runway says so.
-        if (pos.airborne || pos.speed > standingSpeed) return false;
+        if (!isStop(pos)) return false;
         endPrediction(record);
         pos.speed = 0;
         pos.stopped = true;
@@ -177,8 +183,8 @@ bool checkNewPosDuringLanding(LiveAc& record, LivePos& pos) {
         return false;
     endPrediction(record);
     pos.stopped = lf_samePlace(pos.pos(), stream.back().pos());
-    if (!pos.stopped && pos.speed > stream.back().speed && pos.speed > keptSpeed)
-        pos.speed = stream.back().speed;
+    if (pos.stopped && isStop(pos)) pos.speed = 0;
+    if (!pos.stopped && pos.speed > keptSpeed) pos.speed = std::min(pos.speed, stream.back().speed);
     return true;
 }
 

@@ -18,7 +18,7 @@ namespace {
 constexpr double lowestFlarePitch = toRad(-4.0);
 constexpr double flareBelowAgl = 400;  // feet
 constexpr double lastCurveT = 0.999999;
-constexpr int32_t courseEvery = 4;  // ticks
+constexpr int32_t courseEvery = 10;  // ticks
 constexpr double turnDeadBand = toRad(0.5);
 
 bool drivesOnGround(FlightStage stage) {
@@ -26,7 +26,7 @@ bool drivesOnGround(FlightStage stage) {
            stage == FlightStage::taxi || stage == FlightStage::parking;
 }
 
-/// The nose follows the course of the curve, worked out at its start and every fourth tick: the curve is the
+/// The nose follows the course of the curve, worked out at its start and every tenth tick: the curve is the
 /// only trigonometry of a tick.
 void followCurve(LiveAc& record) {
     const bool begins = record.curveT == 0;

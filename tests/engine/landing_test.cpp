@@ -28,7 +28,7 @@ Path ils(double elevation, int pressure) {
         }
         const double since = -nm / knots * 3600, stop = (knots - 20) / 2;
         const double braked = std::min(since, stop);
-        const double meters = ((knots - braked) * since + (since > stop ? 0.0 : 0.0)) / 3600 * metersPerNm;
+        const double meters = ((knots - braked) * braked + 20 * (since - braked)) / 3600 * metersPerNm;
         return groundReport(away(aimPoint, 90, meters), knots - 2 * braked, 90);
     };
 }
@@ -36,6 +36,7 @@ Path ils(double elevation, int pressure) {
 struct Touch {
     double meters = 0;  ///< past the aim point
     double fpm = 0, steepest = 0, lowestPitch = 0;
+    double lowest = 1e9;     ///< feet of the wheels over the ground, to the end of the run
     double derotation = -1;  ///< seconds
     int spoilersOut = 0;
     bool spoilersIn = false;
@@ -54,8 +55,11 @@ class Landing : public RunwayTest {
         int32_t touchedAt = 0, state = 0;
         run(path, 420, [&](LiveAc& record) {
             const double height = record.simAlt - groundAt(record);
-            if (!record.onGround && before != 0)
-                touch.steepest = std::min(touch.steepest, (record.simAlt - before) * 6000);
+            touch.lowest = std::min(touch.lowest, height - cgFt);
+            if (!record.onGround && touchedAt == 0 && before != 0) {
+                touch.fpm = (record.simAlt - before) * 6000;
+                touch.steepest = std::min(touch.steepest, touch.fpm);
+            }
             if (record.flareState > state && record.flareState <= 4) {
                 touch.heights[static_cast<size_t>(record.flareState - 1)] = height - cgFt;
                 touch.sinks[static_cast<size_t>(record.flareState - 1)] = record.dAlt * 6000;
@@ -66,7 +70,6 @@ class Landing : public RunwayTest {
                 touchedAt = engineTick;
                 const double nm = gf_distanceNm(aimPoint, record.simPos());
                 touch.meters = nm * metersPerNm * (record.simLon < aimPoint.lon ? -1 : 1);
-                touch.fpm = touch.sinks[3];
                 touch.spoilersOut = sent(ev::spoilersSet, 16383);
                 eventQueue.clear();
             }
@@ -95,6 +98,7 @@ TEST_F(Landing, FlaresByHeightAndTouchesDownSoftly) {
             EXPECT_NEAR(touch.heights[i], heights[i], i == 0 && field.slope != 0 ? 8 : 2) << i;
             EXPECT_NEAR(touch.sinks[i], sinks[i], 1e-6) << i;
         }
+        EXPECT_NEAR(touch.fpm, -150, 10);
         EXPECT_GT(touch.meters, 0);
         EXPECT_LT(touch.meters, field.slope < 0 ? 800 : 400);
         EXPECT_GE(touch.lowestPitch, toRad(-4) - 1e-9);
@@ -113,6 +117,7 @@ TEST_F(Landing, AtOtherPressuresItComesDownSomewhere) {
         const Touch touch = land(0, pressure);
         fmt::print("QNH {}: touch-down {:.0f} m past the aim point, {:.0f} fpm, steepest sink {:.0f} fpm\n",
                    pressure, touch.meters, touch.fpm, touch.steepest);
+        EXPECT_GT(touch.lowest, -1.6) << "half a meter: not below the runway, then or later";
         const LiveAc* record = lf_findLive(flownHexid);
         EXPECT_TRUE(touch.meters != 0 || !record) << "it lands or is removed, but does not hang in the air";
     }
@@ -140,7 +145,10 @@ TEST_F(Landing, AGoAroundFromTheFlareClimbs) {
     run(path, 330, [&](LiveAc& record) {
         EXPECT_FALSE(record.onGround);
         if (record.flareState > 0 && since < 0) since = 0;
-        if (since == 0 && record.flareState == 0) since = engineTick / 100.0;
+        if (since == 0 && record.flareState == 0) {
+            since = engineTick / 100.0;
+            EXPECT_NEAR(record.simAlt - cgFt, 25, 3);
+        }
         if (since <= 0) return true;
         lowest = std::min(lowest, record.simAlt);
         heightLater = record.simAlt;
@@ -152,6 +160,59 @@ TEST_F(Landing, AGoAroundFromTheFlareClimbs) {
     const LiveAc& record = *lf_findLive(flownHexid);
     EXPECT_FALSE(record.derotating);
     EXPECT_FALSE(record.landing);
+}
+
+TEST_F(Landing, ATouchAndGoRotatesBeforeTheNoseIsDown) {
+    groundFt = 0;
+    const Path down = ils(0, 1013);
+    const double gone = startNm * 3600 / knots + 2.5;
+    const Path path = [&](double t) {
+        LivePos pos = down(t);
+        if (t >= gone) {
+            pos = airReport(away(aimPoint, 90, (t - gone + 2.5) * knots / 3600 * metersPerNm), knots, 90,
+                            20 + (t - gone) * 30);
+            pos.vs = 1800;
+        }
+        pos.track += std::fmod(t, 4) < 2 ? 0 : 3;  // every report counts
+        return pos;
+    };
+    appear(path(0));
+    double touched = 0, rotated = 0, before = 0, later = 0;
+    bool departing = false, noseComingDown = false;
+    FlightStage prevStage{};
+    run(path, 400, [&](LiveAc& record) {
+        const double now = engineTick / 100.0;
+        if (record.onGround && touched == 0) {
+            touched = now;
+            eventQueue.clear();
+        }
+        if (record.departing && !departing) {
+            EXPECT_EQ(record.prevStage, prevStage);
+        }
+        if (record.stage == FlightStage::take_off && rotated == 0) {
+            rotated = now;
+            EXPECT_TRUE(noseComingDown) << "else this tells nothing of a rotation out of a landing";
+            EXPECT_FALSE(record.derotating || record.rollout || record.landed || record.landing);
+        }
+        if (rotated != 0) {
+            EXPECT_FALSE(record.onGround);
+            EXPECT_GE(record.simAlt, before - 0.5);
+            later = record.simAlt;
+        }
+        departing = record.departing;
+        noseComingDown = record.derotating;
+        prevStage = record.prevStage;
+        before = record.simAlt;
+        return rotated == 0 || now < rotated + 60;
+    });
+    ASSERT_GT(rotated, 0);
+    EXPECT_NEAR(rotated - touched, 2, 1.5);
+    EXPECT_GT(later, 500);
+    EXPECT_EQ(sent(ev::throttleSet, 11468), 2) << "at the decision and again when the climb is over";
+    EXPECT_GE(sent(ev::throttleSet, 16383), 1);
+    const LiveAc& record = *lf_findLive(flownHexid);
+    EXPECT_EQ(record.flareState, 0);
+    EXPECT_EQ(record.stage, FlightStage::flying);
 }
 
 TEST_F(Landing, ReportsThatLeadBackDoNotJoin) {
@@ -202,6 +263,24 @@ TEST_F(Landing, ReportsThatLeadBackDoNotJoin) {
         EXPECT_EQ(pos.stopped, c.stopped);
         EXPECT_EQ(pos.speed, c.speedTaken);
         EXPECT_EQ(record.predictLeft, 0);
+    }
+}
+
+TEST_F(Landing, AStopOnTheLastButOnePointDropsOnlyTheLast) {
+    for (const double heading : {0.0, 90.0, 180.0, 270.0}) {
+        SCOPED_TRACE(heading);
+        gf_resetEngine();
+        LiveAc& record = appear(groundReport(aimPoint, 30, heading));
+        record.simHeading = toRad(heading);
+        record.rollout = true;
+        for (int i = 1; i < 3; ++i)
+            record.stream.push_back(groundReport(away(aimPoint, heading, 10 * i), 6, heading));
+        LivePos pos = record.stream[1];
+        pos.speed = 5;
+        EXPECT_TRUE(checkNewPosDuringLanding(record, pos));
+        EXPECT_EQ(record.stream.size(), 2u);
+        EXPECT_TRUE(pos.stopped);
+        EXPECT_EQ(pos.speed, 0);
     }
 }
 

@@ -1,14 +1,12 @@
-// From the run to the climb, and what the aircraft's gear, flaps and throttle do in the air.
+// From the run to the climb.
 #include "engine/take_off.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "engine/air_schedule.h"
 #include "engine/category_constants.h"
 #include "engine/engine_state.h"
-#include "engine/landing.h"
 #include "tests/support/runway_world.h"
 
 namespace skl::test {
@@ -146,73 +144,65 @@ TEST_F(TakeOff, WhenTheNoseComesUp) {
     }
 }
 
-TEST_F(TakeOff, ATouchAndGoRotatesWithoutAStop) {
-    groundFt = 0;
-    LiveAc& record = appear(groundReport(aimPoint, 120, 90));
-    record.simHeading = toRad(90);
-    record.stage = FlightStage::flying;
-    record.flareState = 4;
-    lf_touchdown(record);
-    gf_setStage(record, FlightStage::taxi);
-    eventQueue.clear();
-    lf_touchAndGo(record);
-    EXPECT_EQ(record.prevStage, FlightStage::flying);
-    EXPECT_TRUE(record.departing && record.rollout);
-    EXPECT_EQ(sent(ev::throttleSet, 11468), 1);
-    lf_rotate(record);
-    EXPECT_FALSE(record.rollout || record.landed || record.derotating);
-    EXPECT_EQ(sent(ev::throttleSet, 16383), 1);
-    record.dAlt = 0.5;
-    double before = record.simAlt;
-    for (int i = 0; i < 1000; ++i) {
-        lf_rotationStep(record);
-        EXPECT_GE(record.simAlt, before);
-        before = record.simAlt;
-    }
-    EXPECT_GT(record.simAlt, cgFt + 50);
-}
-
-TEST_F(TakeOff, TheScheduleInTheAir) {
-    struct Case {
+TEST_F(TakeOff, NoReportBringsItDownBeforeItHasClimbed) {
+    const struct {
         const char* what;
-        AcCategory category;
-        double alt, agl, vs, airportNm;
-        bool landing, cleaned;
-        uint32_t flaps;
-        bool landsAfter;
-        uint32_t flapsAfter;
+        double until;    ///< seconds, from lift-off on
+        double alt, vs;  ///< as told until then
+        bool onGround;
+    } cases[] = {
+        {"one noisy report", 4, 60, -600, false},
+        {"half a minute of them", 30, 60, -600, false},
+        {"back on the ground", 30, 0, 0, true},
     };
-    const Case cases[] = {
-        {"high", AcCategory::Large, 10000, 2500, 0, 5, false, false, 1, false, 0},
-        {"well above the ground: an approach is over", AcCategory::Large, 9000, 2051, -900, 5, true, false, 0,
-         false, 1},
-        {"low and down near the airport", AcCategory::Large, 2000, 2050, -250, 10, false, false, 1, true, 3},
-        {"beyond ten miles", AcCategory::Large, 2000, 2050, -250, 10.1, false, false, 1, false, 1},
-        {"not quite down", AcCategory::Large, 2000, 2050, -249, 5, false, false, 1, false, 1},
-        {"light aircraft begin lower", AcCategory::Light, 2000, 626, -500, 5, false, false, 0, false, 2},
-        {"and there they do", AcCategory::Light, 2000, 625, -500, 5, false, false, 0, true, 3},
-        {"exactly 600 is no climb-out", AcCategory::Large, 2000, 500, 600, 5, true, false, 3, true, 3},
-        {"a climb-out cleans up", AcCategory::Large, 2000, 500, 601, 5, true, false, 3, false, 0},
-        {"once", AcCategory::Large, 2000, 500, 601, 5, true, true, 3, true, 3},
-        {"an approach lost", AcCategory::Large, 2000, 500, 0, 12, true, false, 3, false, 0},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         gf_resetEngine();
-        const LaLo at = away(aimPoint, 270, c.airportNm * metersPerNm);
-        LiveAc& record = appear(airReport(at, 140, 90, c.alt), c.category);
-        record.stream.front().vs = c.vs;
-        record.agl = c.agl;
-        record.landing = c.landing;
-        record.climbCleaned = c.cleaned;
-        record.flapsIdx = c.flaps;
-        record.standId = 7;
-        lf_airSchedule(record);
-        EXPECT_EQ(record.landing, c.landsAfter);
-        // Flaps of light aircraft go a step at a time.
-        EXPECT_EQ(record.flapsIdx, c.flaps == 0 && c.flapsAfter == 2 ? 1 : c.flapsAfter);
-        EXPECT_EQ(record.standId, c.landsAfter && !c.landing ? 0u : 7u);
+        groundFt = 0;
+        const Path path = [&](double t) {
+            LivePos pos = departure(t, 145, 2400, 0);
+            const double since = t - 10 - 145 / 3.0;
+            if (since > 6 && since < 6 + c.until) {
+                pos.alt = c.alt;
+                pos.vs = c.vs;
+                pos.airborne = !c.onGround;
+            }
+            pos.track += std::fmod(t, 4) < 2 ? 0 : 3;
+            return pos;
+        };
+        double before = appear(path(0)).simAlt;
+        bool rotated = false;
+        run(path, 200, [&](LiveAc& record) {
+            if (record.stage == FlightStage::take_off) {
+                rotated = true;
+                EXPECT_FALSE(record.landing);
+                EXPECT_GE(record.simAlt, before - 0.5);
+            }
+            before = record.simAlt;
+            return true;
+        });
+        EXPECT_TRUE(rotated);
+        EXPECT_EQ(lf_findLive(flownHexid)->stage, FlightStage::flying);
+        EXPECT_GT(before, 2000);
     }
+}
+
+TEST_F(TakeOff, ASlowClimberWithLevelReportsLeavesTheGround) {
+    groundFt = 0;
+    const Path path = [](double t) {
+        LivePos pos = departure(t, 55, 500, 0);
+        if (std::fmod(t, 10) < 2) pos.vs = 0;  // one in every five: never do all ahead climb
+        return pos;
+    };
+    appear(path(0), AcCategory::Light);
+    double lifted = 0;  // meters down the runway
+    run(path, 240, [&](LiveAc& record) {
+        if (lifted == 0 && record.stage == FlightStage::take_off)
+            lifted = gf_distanceNm(aimPoint, record.simPos()) * metersPerNm;
+        return true;
+    });
+    EXPECT_NEAR(lifted, 259, 65) << "where its reports do, to a report's spacing";
+    EXPECT_EQ(lf_findLive(flownHexid)->stage, FlightStage::flying);
 }
 
 }  // namespace
