@@ -100,7 +100,9 @@ void endPrediction(LiveAc& record) {
 
 void lf_flareStep(LiveAc& record) {
     const auto state = static_cast<size_t>(record.flareState);
-    if (state >= flareSteps.size() || record.stream.front().vs > goAroundFpm) return;
+    if (state >= flareSteps.size()) return;
+    // On its way to a report that climbs away: a flare would sink to its end, into the runway.
+    if (record.stream.front().vs > goAroundFpm) return;
     const double height = state == 0 ? lowestHeight(record) : record.agl;
     const FlareStep& step = flareSteps[state];
     if (height > record.staticCgFt + step.height) return;

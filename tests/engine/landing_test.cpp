@@ -56,6 +56,12 @@ class Landing : public RunwayTest {
         run(path, 420, [&](LiveAc& record) {
             const double height = record.simAlt - groundAt(record);
             touch.lowest = std::min(touch.lowest, height - cgFt);
+            if (record.onGround) {
+                EXPECT_EQ(record.simVs, 0);
+            }
+            if (record.flareState != 0 && !record.onGround && touchedAt == 0) {
+                EXPECT_NEAR(record.simVs, record.dAlt * 100, 1e-9) << "feet a second";
+            }
             if (!record.onGround && touchedAt == 0 && before != 0) {
                 touch.fpm = (record.simAlt - before) * 6000;
                 touch.steepest = std::min(touch.steepest, touch.fpm);
@@ -281,14 +287,33 @@ TEST_F(Landing, AStopOnTheLastButOnePointDropsOnlyTheLast) {
         EXPECT_EQ(record.stream.size(), 2u);
         EXPECT_TRUE(pos.stopped);
         EXPECT_EQ(pos.speed, 0);
+        LivePos hovering = record.stream.back();
+        hovering.speed = 0;
+        hovering.airborne = true;
+        EXPECT_FALSE(checkNewPosDuringLanding(record, hovering)) << "no stop in the air";
+    }
+}
+
+TEST_F(Landing, NoFlareOnTheWayToAReportThatClimbsAway) {
+    for (const double vs : {600.0, 601.0}) {
+        LiveAc& record = appear(airReport(aimPoint, 140, 90, 30));
+        record.agl = 30;
+        record.landing = true;
+        record.stream.front().vs = vs;
+        lf_flareStep(record);
+        EXPECT_EQ(record.flareState, vs > 600 ? 0 : 1);
+        gf_resetEngine();
     }
 }
 
 TEST_F(Landing, TheRollOutEndsWithATurnOffTheRunway) {
     LiveAc& record = appear(groundReport(aimPoint, 120, 90), AcCategory::Heavy);
     record.simHeading = toRad(90);
+    record.simPitch = record.staticPitch;
     lf_touchdown(record);
     EXPECT_TRUE(record.rollout && record.landed && record.derotating);
+    lf_derotate(record);
+    EXPECT_FALSE(record.derotating) << "the nose is down already";
     eventQueue.clear();
     lf_rolloutStep(record);
     EXPECT_TRUE(eventQueue.empty()) << "fast and straight on";
