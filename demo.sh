@@ -3,10 +3,12 @@
 # airport's stands, RealTraffic played from a recording on the real ports, and the program between them. Installs and
 # builds what is missing first.
 #
-#   ./demo.sh [--seconds N] [--random 0|1] [--feed FILE --at LAT,LON [--site DIR]] [--keep DIR]
+#   ./demo.sh [--seconds N] [--random 0|1] [--parked N] [--feed FILE --at LAT,LON [--site DIR]] [--keep DIR]
 #
 # --seconds  how long traffic is shown, 900 by default
 # --random   whether the program may choose by chance, 1 by default; with 0 two runs end on the same stands
+# --parked   most aircraft that only stand, out of the airport's history; 0 by default, since the stories are told
+#            without them
 # --feed     a recording of your own in place of the generated one, --at the user's place for it (elevation 1416 ft
 #            by --elevation), --site a folder with downloads/MSFS/archive/stock/<code>.xml for its airport
 # --keep     a folder that gets the log, the trace, the recording and the reports
@@ -19,6 +21,7 @@ root=$PWD
 
 seconds=900
 random=1
+parked=0
 feed=
 at=51.4706,-0.4619
 elevation=83
@@ -29,12 +32,13 @@ while [ $# -gt 0 ]; do
     case $1 in
         --seconds) seconds=$2; shift 2 ;;
         --random) [[ $2 == [01] ]] || { echo "--random takes 0 or 1" >&2; exit 2; }; random=$2; shift 2 ;;
+        --parked) parked=$2; shift 2 ;;
         --site) site_root=$(realpath "$2"); shift 2 ;;
         --feed) feed=$(realpath "$2"); shift 2 ;;
         --at) at=$2; shift 2 ;;
         --elevation) elevation=$2; shift 2 ;;
         --keep) mkdir -p "$2"; keep=$(realpath "$2"); shift 2 ;;
-        -h | --help) sed -n '2,17p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+        -h | --help) sed -n '2,19p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
         *) echo "unknown option $1, see --help" >&2; exit 2 ;;
     esac
 done
@@ -60,6 +64,7 @@ cat >"$XDG_CONFIG_HOME/Skylantern/parameters.xml" <<XML
 	<parameter name="MSFS_INSTALL_PATH" value="$world/packages" />
 	<parameter name="AUTO_RANGE" value="false" />
 	<parameter name="SCAN_AIRPORTS" value="false" />
+	<parameter name="MAX_PARK_SEL" value="$parked" />
 	<parameter name="RANDOM" value="$([ "$random" = 1 ] && echo true || echo false)" />
 </parameters>
 XML

@@ -4,6 +4,7 @@
 
 #include "airports/airport_file.h"
 #include "bench/bench.h"
+#include "bench/big_airport.h"
 #include "bench/world_data.h"
 #include "core/folders.h"
 #include "core/log.h"
@@ -15,62 +16,8 @@ namespace skl::bench {
 
 namespace {
 
-constexpr int standCount = 300, optionsAStand = 60;
-constexpr int fleet = 3000;  // the aircraft that visit the airport within a week
-constexpr int standsARow = 20;
-constexpr double rowDegrees = 0.002, columnDegrees = 0.0006;  // some of the stands overlap
 constexpr double goalSeconds = 0.050;
 constexpr const char* name = "airports/my_thirdparty/EHAM.xml";
-
-/// An aircraft of those that visit; some are not in the database.
-struct Visitor {
-    std::string airl, type, reg;
-};
-
-std::vector<Visitor> makeFleet(Choice& choice) {
-    std::vector<Visitor> visitors;
-    for (int i = 0; i < fleet; ++i)
-        visitors.push_back({choice.airline(), choice.type(),
-                            choice.chance(0.8) ? choice.registration() : fmt::format("REG{}", i)});
-    return visitors;
-}
-
-/// What was seen on the stands, one after the other.
-class Sightings {
-  public:
-    explicit Sightings(uint32_t seed) : choice_(seed), visitors_(makeFleet(choice_)) {}
-    StandOption next() {
-        ++number_;
-        const Visitor& visitor = visitors_[number_ * 7919 % visitors_.size()];
-        StandOption option{.airl = visitor.airl, .type = visitor.type, .reg = visitor.reg};
-        option.cs = fmt::format("{}{}", visitor.airl, number_ % 9000);
-        if (choice_.chance(0.5)) option.cs2 = option.cs + "B";
-        option.hours = uint64_t{0x3f} << number_ % 40;
-        option.optionId = 1;
-        option.day = static_cast<int32_t>(number_ % 7) + 1;
-        option.real = choice_.chance(0.5);
-        return option;
-    }
-
-  private:
-    Choice choice_;
-    std::vector<Visitor> visitors_;
-    size_t number_ = 0;
-};
-
-AirportFile makeAirport(Sightings& sightings) {
-    AirportFile file{.code = "EHAM", .airportName = "Schiphol", .publisher = "Zeta"};
-    file.handmade = true;  // so that stands and options are written in full
-    for (int i = 0; i < standCount; ++i) {
-        Stand& stand = file.stands.emplace_back();
-        stand.id = fmt::format("GATE A {}", i);
-        stand.lat = 52.3 + i / standsARow * rowDegrees;
-        stand.lon = 4.76 + i % standsARow * columnDegrees;
-        stand.radius = 25 / metersPerNm;
-        for (int j = 0; j < optionsAStand; ++j) stand.options.push_back(sightings.next());
-    }
-    return file;
-}
 
 /// The document is archived by its place, and is no handmade one.
 void writeArchived(const AirportFile& file) {

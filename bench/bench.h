@@ -28,6 +28,7 @@ Rows liveryScanRows();
 Rows coldStartRows();
 Rows matchRows();
 Rows airportFileRows();
+Rows parkingRows();
 
 /// The cold start itself, in a process of its own: reads the data of the working folder, prints wall time and
 /// memory.

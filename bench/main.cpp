@@ -23,10 +23,14 @@ struct Measurement {
     std::string_view name;
     Rows (*run)();
 };
-constexpr Measurement measurements[] = {{"decode", decodeRows},           {"tick", engineTickRows},
-                                        {"flush", frameFlushRows},        {"scan", liveryScanRows},
-                                        {"cold start", coldStartRows},    {"match", matchRows},
-                                        {"airport file", airportFileRows}};
+constexpr Measurement measurements[] = {{"decode", decodeRows},
+                                        {"tick", engineTickRows},
+                                        {"flush", frameFlushRows},
+                                        {"scan", liveryScanRows},
+                                        {"cold start", coldStartRows},
+                                        {"match", matchRows},
+                                        {"airport file", airportFileRows},
+                                        {"parking", parkingRows}};
 
 struct Options {
     std::string only, file;

@@ -21,6 +21,7 @@
 #include "panel/requests.h"
 #include "parking/park_airport.h"
 #include "parking/stands.h"
+#include "parking/statics.h"
 
 namespace skl {
 
@@ -95,7 +96,7 @@ void mergeLearned(AirportFile& file, QualityFactors& quality, std::vector<Stand>
 
 void putInUse() {
     g_apfLoaded = true;
-    gf_enableControl(flushStaticButton, true);
+    gf_enableControl(flushStaticButton, !staticsLock);
     g_parkingChanged = false;
 }
 
@@ -139,6 +140,7 @@ std::string gf_readApf(const std::string& fileName, AirportFile& file, QualityFa
         quality = {readFactor(document, "Qf_real"), readFactor(document, "Qf_soft")};
         file.learnedPath = gf_learnedPath(fileName, file.publisher);
         mergeLearned(file, quality, list);
+        lf_addFakeOptions(file.code, list);
         file.qfReal = quality.real;
         file.qfSoft = quality.soft;
         lf_numberStands(list);

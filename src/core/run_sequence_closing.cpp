@@ -22,8 +22,11 @@
 #include "panel/traffic_range.h"
 #include "parking/airport_in_sight.h"
 #include "parking/airport_list.h"
+#include "parking/learning.h"
 #include "parking/park_airport.h"
+#include "parking/stand_fit.h"
 #include "parking/stands.h"
+#include "parking/statics.h"
 #include "simlink/session.h"
 
 namespace skl {
@@ -136,6 +139,9 @@ bool lf_resetForRestart() {
     gf_resetAirportInSight();
     gf_resetParkAirports();
     gf_resetStands();
+    gf_resetStandFit();
+    gf_resetStatics();
+    gf_resetLearning();
     gf_resetPanel();
     gf_resetRequests();
     gf_applyRange(RANGE.value);

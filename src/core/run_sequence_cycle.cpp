@@ -24,6 +24,7 @@
 #include "parking/airport_in_sight.h"
 #include "parking/park_airport.h"
 #include "parking/stands.h"
+#include "parking/statics.h"
 #include "simlink/ai_commands.h"
 #include "simlink/user_aircraft.h"
 
@@ -55,15 +56,15 @@ void acceptTraffic() {
 
 /// The work of all seconds but each fifteenth; odd periods keep it spread out.
 void everyOtherSecond(int32_t second) {
-    if (second % 16 == 0) lf_airportInSight(false);
+    if (second % 16 == 0 && !lf_renewalUnderWay()) lf_airportInSight(false);
     if (second % 59 == 0) gf_updateReaderLamps();
     if (second % 61 == 0) lf_sameFlightParked();
     if (second % 62 == 0 && CALLSIGN_OBJECTIDS.value && sim2020) lf_writeObjectList();
 }
 
-/// The user asked for the list of airports to be read again.
+/// The user asked for the list of airports to be read again. It waits while statics are worked on.
 void rereadParkAirports() {
-    if (!g_rereadParkAirports) return;
+    if (!g_rereadParkAirports || staticsLock) return;
     std::string message;
     gf_forgetProbes();
     lf_rereadParkAirports(message);
@@ -131,6 +132,7 @@ void lf_everySecond() {
     lf_updateUserStand();
     lf_serveNewAcList();
     gf_answerCallsignQuery();
+    lf_serveFlush();
     lf_userInTheAir();
     lf_userOnTheGround();
     lf_taxiingAgainstStatics();
@@ -143,13 +145,17 @@ void lf_every15Seconds() {
     if (rtLevel2) gf_sendSimTime(simEpoch);
     if (!reservedStand.empty()) lf_clearReservedStand();
     rereadParkAirports();
+    lf_serveRenewal();
     if (gf_anyReaderStale()) gf_updateReaderLamps();
     if (second % 30 == 0 && AUTO_RANGE.value) gf_autoRange();
     if (second % 60 == 0) {
         g_panel.minutesToRenewal = (1200 - second % 1200) / 60;
         gf_invalidate(Band::options);
     }
-    if (second % 1200 == 0) gf_logUnmatched();
+    if (second % 1200 == 0) {
+        gf_logUnmatched();
+        if (g_apfLoaded && !INITIAL_LOAD_ONLY.value) g_renewRequested = true;
+    }
     if (second % secondsOfADay == 0) {
         g_seconds = 0;
         gf_logMatchSummary();

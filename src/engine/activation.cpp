@@ -15,6 +15,7 @@
 #include "engine/live_table.h"
 #include "engine/spawning.h"
 #include "liveries/catalogue.h"
+#include "parking/stand_fit.h"
 #include "parking/stands.h"
 #include "parking/static_ac.h"
 #include "simlink/ai_commands.h"
@@ -78,19 +79,23 @@ void startStay(LiveAc& record) {
     const std::string stand = lf_standName(record.standId);
     if (LOG.value) gf_log(fmt::format("{:8}: {:8} parks", stand, record.callsign));
     if (record.standId == 0) return;
+    std::erase_if(candidates, [&](const Candidate& planned) { return planned.sid == record.standId; });
     const auto under = std::find_if(staticAcs.begin(), staticAcs.end(), [&](const StaticAc& other) {
         return other.standId == record.standId && other.simState != SimObjectState::removingfromsim;
     });
     if (under == staticAcs.end()) return;
     gf_log(fmt::format("{:8}: {:8} parks over static {}", stand, record.callsign, under->callsign));
-    removeAircraftFromSim(*under);
+    lf_removeForLive(*under);
     lf_sweepStatics();
 }
 
 void staticRemoved(uint32_t objectId) {
-    for (StaticAc& record : staticAcs)
-        if (record.objectId == objectId) record.eraseNow = true;
-    lf_sweepStatics();
+    const auto gone = std::find_if(staticAcs.begin(), staticAcs.end(), [objectId](const StaticAc& record) {
+        return record.objectId == objectId;
+    });
+    if (gone == staticAcs.end()) return;
+    engineCounters.removed.fetch_add(1, std::memory_order_relaxed);
+    staticAcs.erase(gone);
 }
 
 }  // namespace
@@ -114,13 +119,17 @@ bool lf_objectIdentified(LiveAc& record, const SimMsg& message) {
 
 void lf_activatePending() {
     for (SimMsg& message : pendingObjects) {
+        const bool live = message.kind == msgLiveIdentified;
         if (message.counter < settleTicks) {
             ++message.counter;
-            if (message.counter == firstToggle || message.counter == secondToggle)
+            if (live && (message.counter == firstToggle || message.counter == secondToggle))
                 gf_allLightsToggle(message.objectId);
             continue;
         }
-        activate(message);
+        if (live)
+            activate(message);
+        else
+            lf_activateStatic(message.hexid, message.objectId);
         message.counter = served;
     }
     std::erase_if(pendingObjects, [](const SimMsg& message) { return message.counter < 0; });
@@ -148,7 +157,7 @@ void lf_objectRemoved(uint32_t objectId) {
     lf_setObjectId(*record, 0);
 }
 
-void lf_objectRefused(const LiveAc& record) {
+void lf_objectRefused(const AcBase& record) {
     if (gf_stopping()) return;
     gf_showMessage(fmt::format("{} '{}' could not be created by your Sim!", record.callsign, record.title),
                    true);

@@ -15,6 +15,7 @@
 #include "engine/live_parking.h"
 #include "engine/slack.h"
 #include "engine/update_cycle.h"
+#include "parking/learning.h"
 #include "parking/park_airport.h"
 #include "parking/stands.h"
 #include "simlink/ai_commands.h"
@@ -146,6 +147,7 @@ void lf_arrival(LiveAc& record) {
     if (LOG.value)
         gf_log(fmt::format("{:8}: {:8} arrived at stand", lf_standName(record.standId), record.callsign));
     lf_noteNewAc(record.hexid);
+    if (lf_teachesStay(record)) lf_learnStay(record, record.parkedAt, false);
     lf_enforceMaxPark(false);
 }
 

@@ -17,6 +17,8 @@
 #include "engine/update_cycle.h"
 #include "feed/feed.h"
 #include "panel/traffic_range.h"
+#include "parking/park_airport.h"
+#include "parking/statics.h"
 #include "simlink/session.h"
 #include "simlink/sim_ids.h"
 #include "simlink/user_aircraft.h"
@@ -48,17 +50,32 @@ void createNext(std::deque<CreateRequest>& queue) {
     CreateRequest request = std::move(queue.front());
     queue.pop_front();
     // 0 stands for a request that has not gone out.
-    if (LiveAc* record = lf_findLive(request.hexid)) record->addingSince = std::max(1, engineTick.load());
+    const int32_t now = std::max(1, engineTick.load());
+    if (request.hexid > highestStaticId) {
+        if (LiveAc* record = lf_findLive(request.hexid)) record->addingSince = now;
+    } else if (StaticAc* record = lf_addingStatic(request.hexid)) {
+        record->addingSince = now;
+    }
     engineCounters.created.fetch_add(1, std::memory_order_relaxed);
     simCreate(std::move(request));
 }
 
 /// An object beyond the range in force would never be seen in a reply, and so never be identified.
 double requestRadius() {
+    constexpr double around = 1, aroundAirport = 5;  // nautical miles
     double radius = rangeMeters;
+    const auto reach = [&radius](LaLo place, double beyond) {
+        radius = std::max(radius, (gf_distanceNm(engineUser.pos(), place) + beyond) * metersPerNm);
+    };
     for (const LiveAc& record : liveAcs)
-        if (record.simState == SimObjectState::adding2sim)
-            radius = std::max(radius, (gf_distanceNm(engineUser.pos(), record.simPos()) + 1) * metersPerNm);
+        if (record.simState == SimObjectState::adding2sim) reach(record.simPos(), around);
+    bool staticWaits = false;
+    for (const StaticAc& record : staticAcs) {
+        if (record.simState != SimObjectState::adding2sim) continue;
+        reach(record.standPos, around);  // it may be one of an airport that has been left
+        staticWaits = true;
+    }
+    if (staticWaits && gf_airportInSight()) reach(parkAirport.pos(), aroundAirport);
     return std::min(radius, sc::maxRadiusMeters);
 }
 
@@ -94,10 +111,12 @@ void lf_serveQueues() {
         removalQueue.pop_front();
     }
     if (engineTick % creationEvery != 0) return;
-    if (!creationQueueLive.empty())
+    if (!creationQueueLive.empty()) {
         createNext(creationQueueLive);
-    else if (!creationQueueStatic.empty())
-        createNext(creationQueueStatic);
+        return;
+    }
+    if (!creationQueueStatic.empty()) createNext(creationQueueStatic);
+    lf_addNextStatic();
 }
 
 void lf_takeReports() {
@@ -135,6 +154,7 @@ void lf_dropUnanswered() {
         sweep = true;
     }
     if (sweep) lf_sweepLive();
+    lf_dropLostStatics();
 }
 
 }  // namespace skl

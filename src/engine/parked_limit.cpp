@@ -11,7 +11,7 @@
 #include "engine/live_parking.h"
 #include "panel/panel_state.h"
 #include "parking/stands.h"
-#include "parking/static_ac.h"
+#include "parking/statics.h"
 
 namespace skl {
 
@@ -51,10 +51,11 @@ bool standsInSim(const StaticAc& record) {
 }
 
 void removeOldestStatic() {
+    const WeekSlot now = gf_weekSlotNow();
     StaticAc* oldest = nullptr;
     for (StaticAc& record : staticAcs) {
         if (!standsInSim(record)) continue;
-        if (!oldest || slotOfWeek(record.parkedAt) < slotOfWeek(oldest->parkedAt)) oldest = &record;
+        if (!oldest || lf_slotAge(record.parkedAt, now) > lf_slotAge(oldest->parkedAt, now)) oldest = &record;
     }
     // One that is on its way out already makes the room.
     if (!oldest || oldest->simState != SimObjectState::active) return;

@@ -3,6 +3,7 @@
 #include "engine/engine.h"
 #include "engine/live_parking.h"
 #include "engine/slack.h"
+#include "parking/learning.h"
 #include "parking/stands.h"
 
 namespace skl {
@@ -93,6 +94,7 @@ void lf_leavingStand(LiveAc& record) {
         record.predictLeft = 0;
         lf_widenSlack(record);
     }
+    if (lf_teachesStay(record)) lf_learnStay(record, gf_weekSlotNow(), true);
     if (Stand* stand = lf_findStand(record.standId)) stand->occupied = false;
 }
 

@@ -9,6 +9,7 @@
 #include "engine/landing.h"
 #include "engine/live_table.h"
 #include "engine/spawning.h"
+#include "parking/static_ac.h"
 
 namespace skl {
 
@@ -26,6 +27,16 @@ LiveAc* waitingRecord(uint32_t hexid) {
     return waits ? record : nullptr;
 }
 
+StaticAc* waitingStatic(uint32_t hexid) {
+    StaticAc* record = lf_addingStatic(hexid);
+    return record && record->addingSince != 0 ? record : nullptr;
+}
+
+void eraseStatic(StaticAc& record) {
+    record.eraseNow = true;
+    lf_sweepStatics();
+}
+
 /// An object that nobody waits for must not stay in the simulator.
 void identified(const SimMsg& message) {
     LiveAc* record = waitingRecord(message.hexid);
@@ -36,6 +47,18 @@ void identified(const SimMsg& message) {
     }
     engineCounters.identified.fetch_add(1, std::memory_order_relaxed);
     if (lf_objectIdentified(*record, message)) pendingObjects.push_back(message);
+}
+
+void staticIdentified(const SimMsg& message) {
+    StaticAc* record = waitingStatic(message.hexid);
+    if (!record || message.objectId < lowestObjectId) {
+        lf_queueRemoval(message.objectId);
+        if (record) eraseStatic(*record);
+        return;
+    }
+    engineCounters.identified.fetch_add(1, std::memory_order_relaxed);
+    record->objectId = message.objectId;
+    pendingObjects.push_back(message);
 }
 
 void heightReported(const SimMsg& message) {
@@ -67,13 +90,22 @@ void staticDataReported(const SimMsg& message) {
         record->simPitch = record->staticPitch;
 }
 
+void noteRefusal(const AcBase& record, bool blameTitle) {
+    engineCounters.refused.fetch_add(1, std::memory_order_relaxed);
+    if (blameTitle) lf_objectRefused(record);
+}
+
 /// The object will not come.
 void notCreated(const SimMsg& message, bool blameTitle) {
-    LiveAc* record = waitingRecord(message.hexid);
-    if (!record) return;
-    engineCounters.refused.fetch_add(1, std::memory_order_relaxed);
-    if (blameTitle) lf_objectRefused(*record);
-    lf_eraseLive(*record);
+    if (message.hexid > highestStaticId) {
+        LiveAc* record = waitingRecord(message.hexid);
+        if (!record) return;
+        noteRefusal(*record, blameTitle);
+        lf_eraseLive(*record);
+    } else if (StaticAc* record = waitingStatic(message.hexid)) {
+        noteRefusal(*record, blameTitle);
+        eraseStatic(*record);
+    }
 }
 
 void handle(const SimMsg& message) {
@@ -81,6 +113,9 @@ void handle(const SimMsg& message) {
     switch (message.kind) {
         case msgLiveIdentified:
             identified(message);
+            break;
+        case msgStaticIdentified:
+            staticIdentified(message);
             break;
         case msgObjectRemoved:
             lf_objectRemoved(message.objectId);

@@ -10,6 +10,7 @@
 #include "engine/live_parking.h"
 #include "engine/spawning.h"
 #include "liveries/catalogue.h"
+#include "parking/learning.h"
 
 namespace skl {
 
@@ -64,6 +65,7 @@ void standOn(LiveAc& record, const Stand& stand) {
     front.lat = stand.lat;
     front.lon = stand.lon;
     front.track = toDeg(stand.heading);
+    lf_learnStay(record, gf_weekSlotNow(), false);
     lf_enforceMaxPark(true);
 }
 

@@ -47,7 +47,7 @@ void lf_landOnSpawn(LiveAc& record);
 void lf_activatePending();
 void lf_objectRemoved(uint32_t objectId);
 /// Blames the title. Throws UserErrorException 81 when too many were refused. The caller erases the record.
-void lf_objectRefused(const LiveAc& record);
+void lf_objectRefused(const AcBase& record);
 
 // --- identity
 /// Replaces the object, the stream stays.
@@ -73,7 +73,7 @@ void lf_updateAll();
 void lf_serveQueues();
 void lf_takeReports();
 void lf_requestData();
-/// Erases records whose object was asked for 60 s ago and never came.
+/// Erases records whose object was asked for 60 s ago and never came, and statics that never went.
 void lf_dropUnanswered();
 
 }  // namespace skl

@@ -53,7 +53,7 @@ bool sameAircraft(const StaticAc& parked, const LiveAc& live) {
 /// The one whose stand becomes another's.
 void makeWay(StaticAc& parked, const LiveAc& record, const Stand& stand) {
     const bool created = parked.simState == State::active;
-    removeAircraftFromSim(parked);
+    lf_removeForLive(parked);
     if (!LOG.value || !(created || parked.eraseFromQueue)) return;
     gf_log(fmt::format("{}{:8}: {:8} {} makes way for{} {} {}", created ? "" : "queued ", stand.id,
                        parked.callsign, parked.regcode,
@@ -116,7 +116,7 @@ void lf_adjacentStaticMakesWay(const LiveAc& record, uint32_t adjacentId, const 
     if (LOG.value)
         gf_log(fmt::format("{:8}: {:8} makes way for {} parking at excluded stand {}",
                            lf_standName(adjacentId), parked->callsign, record.callsign, stand.id));
-    removeAircraftFromSim(*parked);
+    lf_removeForLive(*parked);
 }
 
 void lf_adjacentLiveMakesWay(uint32_t adjacentId, const LiveAc& record, const Stand& stand) {

@@ -9,6 +9,7 @@
 #include "engine/engine.h"
 #include "engine/engine_state.h"
 #include "engine/update_cycle.h"
+#include "parking/stand_fit.h"
 #include "parking/stands.h"
 #include "parking/static_ac.h"
 
@@ -73,7 +74,7 @@ void lf_staticForNewLive(const LiveAc& record, bool onGround) {
             gf_log(fmt::format("{:8}: {:8} {} removed, new {} '{}' has same regcode {}",
                                lf_standName(parked->standId), parked->callsign, gf_shortForm(*parked), where,
                                record.callsign, record.regcode));
-        removeAircraftFromSim(*parked);
+        lf_removeForLive(*parked);
         return;
     }
     StaticAc* parked = staticOfAnyFlight(record);
@@ -83,7 +84,7 @@ void lf_staticForNewLive(const LiveAc& record, bool onGround) {
                            lf_standName(parked->standId), parked->callsign, parked->coupledIn,
                            parked->coupledOut, where, record.callsign, record.coupledIn, record.coupledOut,
                            record.callsign == parked->coupledIn ? "same" : "coupled"));
-    removeAircraftFromSim(*parked);
+    lf_removeForLive(*parked);
 }
 
 void lf_checkAgainstStatics(LiveAc& record) {
@@ -99,14 +100,16 @@ void lf_checkAgainstStatics(LiveAc& record) {
     if (LOG.value)
         gf_log(fmt::format("{:8}: {:8} removed for collision avoidance with static {}",
                            lf_standName(parked->standId), parked->callsign, record.callsign));
-    removeAircraftFromSim(*parked);
+    lf_removeForLive(*parked);
 }
 
 void lf_serveNewAcList() {
     if (newAcList.empty()) return;
-    const LiveAc* record = lf_findLive(newAcList.front());
+    LiveAc* record = lf_findLive(newAcList.front());
     newAcList.pop_front();
     if (!record) return;
+    if (!record->coupledSearched) lf_searchForCoupledCsAroundThisTime(gf_weekSlotNow(), *record);
+    record->coupledSearched = true;
     // Just spawned, its object may not have told yet where it is: its reports have.
     const bool onGround = record->onGround || (!record->stream.empty() && !record->stream.front().airborne);
     lf_staticForNewLive(*record, onGround);
@@ -128,7 +131,7 @@ void lf_sameFlightParked() {
         if (record.simState != State::active || !record.onGround) continue;
         StaticAc* parked = shownTwice(record);
         if (!parked || parked->simState != State::active) continue;
-        removeAircraftFromSim(*parked);
+        lf_removeForLive(*parked);
         return;
     }
 }

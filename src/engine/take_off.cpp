@@ -10,6 +10,7 @@
 #include "engine/category_constants.h"
 #include "engine/levels.h"
 #include "engine/slack.h"
+#include "parking/learning.h"
 #include "simlink/ai_commands.h"
 #include "simlink/sim_ids.h"
 
@@ -64,6 +65,7 @@ void lf_startDeparture(LiveAc& record) {
     record.landing = record.landed = record.climbCleaned = false;
     simLights(record.objectId, true, true, true, true, true, true, false);
     lf_widenSlack(record);
+    if (!record.airline.empty()) lf_learnSoft(record, true);
 }
 
 void lf_rotationTest(LiveAc& record, int32_t ticks) {

@@ -12,6 +12,7 @@
 #include "engine/slack.h"
 #include "engine/spawning.h"
 #include "engine/update_cycle.h"
+#include "parking/learning.h"
 
 namespace skl {
 
@@ -61,6 +62,8 @@ void nextSegmentOrRemoval(LiveAc& record) {
             }
             record.stream.erase(record.stream.begin() + 1);
         } else if (!lf_extendStream(record)) {
+            if (record.stage != FlightStage::parked)
+                lf_learnSoft(record, record.stage != FlightStage::flying);
             removeAircraftFromSim(record);
             return;
         }

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/fnv.h"
 #include "core/geodesy.h"
 #include "core/task.h"
 
@@ -60,6 +61,10 @@ void gf_setGroundReference(std::optional<GroundReference> reference);
 double gf_feedTimestamp();
 /// Values back to the start, as after the loss of the link.
 void gf_resetFeed();
+/// From now on the callsigns of all records in range are collected, into an empty set.
+void gf_collectCallsigns();
+/// Ends the collecting and gives what came in.
+StringSet gf_takeCallsigns();
 /// No more callsigns are collected, and those collected are forgotten: the end of a run.
 void gf_stopCollectingCallsigns();
 

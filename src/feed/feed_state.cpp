@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/locks.h"
 #include "feed/feed.h"
 #include "feed/qnh_reader.h"
 #include "feed/traffic_reader.h"
@@ -103,9 +104,19 @@ void gf_resetFeed() {
     lf_qnhReader().lastCount = 0;
 }
 
-void gf_stopCollectingCallsigns() {
-    lf_trafficReader().collectCallsigns(false);
+void gf_collectCallsigns() {
+    const LockGuard guard(g_trafficLock);
     lf_trafficReader().takeCallsigns();
+    lf_trafficReader().collectCallsigns(true);
+}
+
+StringSet gf_takeCallsigns() {
+    lf_trafficReader().collectCallsigns(false);
+    return lf_trafficReader().takeCallsigns();
+}
+
+void gf_stopCollectingCallsigns() {
+    gf_takeCallsigns();
 }
 
 }  // namespace skl

@@ -2,17 +2,30 @@
 #include "engine/engine_state.h"
 #include "engine/live_parking.h"
 #include "panel/panel_state.h"
+#include "parking/statics.h"
 
 namespace skl {
+
+namespace {
+
+void show(std::atomic<uint64_t>& field, uint64_t count, Band band) {
+    if (field.exchange(count) != count) gf_invalidate(band);
+}
+
+}  // namespace
 
 void lf_updateCounts() {
     gf_countEngine();
     uint64_t shown = 0;  // but for the parked ones
     for (const LiveAc& record : liveAcs)
         if (record.simState == SimObjectState::active && record.stage != FlightStage::parked) ++shown;
-    if (g_panel.liveCount.exchange(shown) != shown) gf_invalidate(Band::status);
-    const uint64_t parked = lf_countLiveParked(true);
-    if (g_panel.parkedLiveCount.exchange(parked) != parked) gf_invalidate(Band::parking);
+    show(g_panel.liveCount, shown, Band::status);
+    lf_updateParkedCounts();
+}
+
+void lf_updateParkedCounts() {
+    show(g_panel.parkedLiveCount, lf_countLiveParked(true), Band::parking);
+    show(g_panel.parkedStaticCount, lf_countStatics(true), Band::parking);
 }
 
 }  // namespace skl

@@ -35,7 +35,8 @@ std::string gf_panelText(std::string PanelState::*field) {
 
 void gf_resetPanel() {
     {
-        // objectIdText, minutesToRenewal, maxParkPercent and the counts of files and liveries outlive a run.
+        // objectIdText, minutesToRenewal, maxParkPercent, reservedStandOk and the counts of files and
+        // liveries outlive a run.
         LockGuard guard(g_panelLock);
         for (auto field : {&PanelState::statusText, &PanelState::errorText, &PanelState::userAircraftText,
                            &PanelState::simText, &PanelState::userStandText, &PanelState::feedText,
@@ -45,7 +46,10 @@ void gf_resetPanel() {
     g_panel.messageStamp = 0;
     g_panel.liveCount = 0;
     g_panel.parkedLiveCount = 0;
+    g_panel.parkedStaticCount = 0;
     g_panel.averageFitLive = -1.0f;
+    g_panel.averageFitStatic = -1.0f;
+    g_panel.softMark = false;
     g_panel.qnh = 0;
     g_panel.feedLampBlack = true;
     g_panel.feedConnected = false;

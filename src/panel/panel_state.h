@@ -21,8 +21,10 @@ struct PanelState {
 
     std::atomic<int32_t> messageStamp{0};
     std::atomic<uint64_t> liveCount{0}, simaddonCount{0}, thirdpartyCount{0}, liveryCount{0};
-    std::atomic<uint64_t> parkedLiveCount{0};
-    std::atomic<float> averageFitLive{-1.0f};  ///< hours; above 0 is shown
+    std::atomic<uint64_t> parkedLiveCount{0}, parkedStaticCount{0};
+    std::atomic<float> averageFitLive{-1.0f}, averageFitStatic{-1.0f};  ///< hours; above 0 is shown
+    std::atomic<bool> softMark{false};         ///< the last placing of static aircraft used soft options
+    std::atomic<bool> reservedStandOk{false};  ///< the airport has the stand that is held free
     std::atomic<int32_t> qnh{0};
     std::atomic<int32_t> minutesToRenewal{0};
     std::atomic<int32_t> maxParkPercent{0};
@@ -45,5 +47,7 @@ void gf_resetPanel();
 
 /// Once a second: counts of the engine's tables into the state.
 void lf_updateCounts();
+/// The part of it that tells of the parked aircraft, live and static, and their average fit.
+void lf_updateParkedCounts();
 
 }  // namespace skl

@@ -16,7 +16,9 @@
 #include "panel/panel_state.h"
 #include "parking/airport_list.h"
 #include "parking/park_airport.h"
+#include "parking/stand_fit.h"
 #include "parking/stands.h"
+#include "parking/statics.h"
 #include "parking/user_stand.h"
 #include "simlink/user_aircraft.h"
 
@@ -40,12 +42,20 @@ std::string readStands() {
     }
 }
 
+/// The last planned aircraft has been placed: the parking controls are free again.
+void endPlacing() {
+    lf_lockStatics(false);
+    gf_clearMessage();
+    lf_updateParkedCounts();
+}
+
 void loadAirport() {
     loadPending = false;
     gf_clearMessage();
     const std::string reason = readStands();
     if (reason.empty()) {
         gf_setGroundReference(GroundReference{parkAirport.pos(), parkAirport.alt});
+        lf_firstFill();
     } else {
         gf_showMessage(reason, true);
         lf_closeParkAirport();
@@ -53,7 +63,7 @@ void loadAirport() {
     gf_enableControl(DESTINATION, true);
 }
 
-void lookOnGround() {
+void lookOnGround(bool forced) {
     const Airport* closest = gf_closestAirport(engineUser.pos());
     if (!closest) {
         gf_showMessage("User aircraft on the ground, no airport in sight", true);
@@ -66,6 +76,7 @@ void lookOnGround() {
     }
     gf_log(text);
     loadPending = lf_setParkAirport(closest->code);
+    if (loadPending) lf_announceStatics(forced);
 }
 
 void lookFromAir() {
@@ -76,6 +87,7 @@ void lookFromAir() {
     if (!inSight(nm) || !lf_setParkAirport(first.code)) return;
     gf_showMessage(fmt::format("{} in sight at {:.1F} nm", first.code, nm), true);
     loadPending = true;
+    lf_announceStatics(false);
 }
 
 /// Whether the airport in sight is given up.
@@ -106,7 +118,8 @@ bool lf_setParkAirport(const std::string& code) {
     return true;
 }
 
-void lf_airportInSight(bool /*forced*/) {
+void lf_airportInSight(bool forced) {
+    if (staticsLock && candidates.empty()) endPlacing();
     if (loadPending) {
         loadAirport();
         return;
@@ -118,7 +131,7 @@ void lf_airportInSight(bool /*forced*/) {
         // An airport once in sight stays for as long as the user is on the ground.
         if (!onGround && toBeLeft()) lf_leaveParkAirport();
     } else if (onGround) {
-        lookOnGround();
+        lookOnGround(forced);
     } else {
         lookFromAir();
     }
@@ -132,7 +145,7 @@ bool lf_rereadParkAirports(std::string& message) {
     if (positionKnown(user)) lf_sortParkAirports(user);
     if (!known) return false;
     const ParkAirportNode* node = gf_airportInSight() ? lf_parkAirportNode(parkAirport.code) : nullptr;
-    if (positionKnown(user) && node && lf_standOfUser(user).empty() && !node->stand.empty() &&
+    if (positionKnown(user) && !staticsLock && node && lf_standOfUser(user).empty() && !node->stand.empty() &&
         node->stand != reservedStand) {
         message = fmt::format("reserved stand changed from '{}' to '{}'", reservedStand, node->stand);
         lf_reserveStand(node->stand);

@@ -8,10 +8,12 @@
 #include "feed/feed.h"
 #include "panel/controls.h"
 #include "panel/panel_state.h"
+#include "panel/requests.h"
 #include "parking/airport_in_sight.h"
+#include "parking/learning.h"
 #include "parking/park_airport.h"
 #include "parking/stands.h"
-#include "parking/static_ac.h"
+#include "parking/statics.h"
 
 namespace skl {
 
@@ -35,9 +37,16 @@ void removeLive() {
     lf_sweepLive();
 }
 
+/// The next airport numbers its stands anew, and those still leaving stand on none of them.
+void forgetStands() {
+    for (StaticAc& record : staticAcs) record.standId = 0;
+}
+
 /// A learned file may have brought a limit of its own.
 void restoreLiveLimit() {
-    if (MAX_LIVE_SEL.value.exchange(liveLimit) != liveLimit) gf_invalidate(Band::options);
+    if (MAX_LIVE_SEL.value.exchange(liveLimit) == liveLimit) return;
+    gf_invalidate(Band::options);
+    lf_enforceMaxLive();
 }
 
 }  // namespace
@@ -50,12 +59,17 @@ void lf_removeAllStatics() {
 }
 
 void lf_leaveParkAirport() {
+    candidates.clear();
     lf_removeAllStatics();
+    forgetStands();
     removeLive();
     lf_closeParkAirport();
 }
 
 void lf_closeParkAirport() {
+    if (g_apfLoaded && (g_parkingChanged || updatesCount >= 1)) lf_saveLearned();
+    loadPending = false;
+    lf_dropRenewal();
     airportFile = {};
     qualityFactors = {};
     g_apfLoaded = false;
@@ -64,6 +78,8 @@ void lf_closeParkAirport() {
     parkAirport = {};
     gf_setGroundReference({});
     updatesCount = 0;
+    removalList.clear();
+    candidates.clear();
     stands.clear();
     lf_standsChanged();
     for (auto text : {&PanelState::airportName, &PanelState::airportPublisher, &PanelState::qualityText})

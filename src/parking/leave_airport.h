@@ -1,4 +1,4 @@
-// What goes when an airport is given up. Worker thread only.
+// What goes when an airport is given up, and when the user asks for it. Worker thread only.
 #pragma once
 
 namespace skl {

@@ -8,6 +8,7 @@
 #include "panel/requests.h"
 #include "parking/airport_in_sight.h"
 #include "parking/airport_list.h"
+#include "parking/learning.h"
 #include "parking/park_airport.h"
 #include "parking/stands.h"
 #include "simlink/user_aircraft.h"
@@ -28,7 +29,8 @@ void switchLearning() {
         g_parkingChanged = true;
         gf_invalidate(Band::options);
     }
-    gf_enableControl(LEARN_SOFT, !known);
+    learningAllowed = !known;
+    gf_enableControl(LEARN_SOFT, learningAllowed);
 }
 
 /// The airport joins the list, with the stand that the user is on.
@@ -43,9 +45,12 @@ void listAirport() {
 }
 
 void reserveListedStand() {
+    reservedStand.clear();
     const ParkAirportNode* node = lf_parkAirportNode(parkAirport.code);
-    const bool found = node && !node->stand.empty() && lf_findStand(node->stand);
-    reservedStand = found ? node->stand : std::string();
+    if (!node || node->stand.empty()) return;
+    const bool found = lf_findStand(node->stand);
+    if (found) reservedStand = node->stand;
+    if (g_panel.reservedStandOk.exchange(found) != found) gf_invalidate(Band::parking);
 }
 
 void showAirport() {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -56,11 +57,11 @@ bool takeNewObject(uint32_t objectId) {
     return true;
 }
 
-/// The transponder id whose request made this object; 0 for an object of somebody else.
-uint32_t takePending(const std::string& atcId) {
-    if (atcId.empty()) return 0;
+/// The transponder id whose request made this object; nothing for an object of somebody else.
+std::optional<uint32_t> takePending(const std::string& atcId) {
+    if (atcId.empty()) return std::nullopt;
     const auto it = findPending(atcId, false);
-    if (it == pendingCreates.end()) return 0;
+    if (it == pendingCreates.end()) return std::nullopt;
     const uint32_t hexid = it->hexid;
     eraseBySwap(pendingCreates, it);
     return hexid;
@@ -87,8 +88,8 @@ void freeze(uint32_t objectId) {
 }
 
 void identify(const ObjectData& object) {
-    const uint32_t hexid = takePending(object.atcId);
-    if (hexid == 0) {
+    const std::optional<uint32_t> hexid = takePending(object.atcId);
+    if (!hexid) {
         if (removeLateObject(object)) return;
         gf_log(fmt::format(
             "just spawned, but not by {}, oid: {}, callsign '{}', altaboveGnd:{:.0f} ft, onground:{}, "
@@ -97,9 +98,9 @@ void identify(const ObjectData& object) {
         return;
     }
     freeze(object.objectId);
-    const bool live = hexid > highestStaticId;
+    const bool live = *hexid > highestStaticId;
     gf_postSimMsg({.objectId = object.objectId,
-                   .hexid = hexid,
+                   .hexid = *hexid,
                    .kind = live ? msgLiveIdentified : msgStaticIdentified,
                    .b = live ? object.agl : 0});
 }
@@ -117,7 +118,7 @@ void lf_createFailed(uint32_t packetId, bool titleIsToBlame) {
     if (it == pendingCreates.end()) return;
     const PendingCreate entry = *it;
     eraseBySwap(pendingCreates, it);
-    if (entry.hexid == 0 || entry.givenUp) return;
+    if (entry.givenUp) return;
     gf_postSimMsg({.hexid = entry.hexid, .kind = titleIsToBlame ? msgRefused : msgNotCreated});
 }
 
@@ -127,7 +128,7 @@ void lf_expirePending() {
         if (entry.givenUp || now - entry.since <= patience) continue;
         entry.givenUp = true;
         gf_log(fmt::format("no answer to the creation of '{}', hexid: {}", entry.callsign, entry.hexid));
-        if (entry.hexid != 0) gf_postSimMsg({.hexid = entry.hexid, .kind = msgNotCreated});
+        gf_postSimMsg({.hexid = entry.hexid, .kind = msgNotCreated});
     }
     std::erase_if(pendingCreates, [&](const PendingCreate& entry) { return now - entry.since > lookOut; });
 }

@@ -1,5 +1,8 @@
 // Which airport is populated, and what goes when it is given up.
+#include "core/messages.h"
 #include "engine/live_table.h"
+#include "parking/stand_fit.h"
+#include "parking/statics.h"
 #include "tests/parking/parking_world.h"
 
 namespace skl::test {
@@ -77,6 +80,31 @@ TEST_F(AirportInSightTest, OnTheGroundTheClosestOfTheIndex) {
     EXPECT_TRUE(g_apfLoaded);
     EXPECT_EQ(parkAirport.alt, 7);
     EXPECT_EQ(lf_standName(1), "D14");
+}
+
+TEST_F(AirportInSightTest, TheParkingControlsAreLockedUntilAllArePlaced) {
+    writeAirportFile("EHAM", "D14", schiphol.pos());
+    pass(schiphol.pos(), 0, true);
+    EXPECT_TRUE(staticsLock && !WEEK.enabled) << "the airport is about to be loaded";
+    pass(schiphol.pos(), 0, true);
+    EXPECT_TRUE(logHas("no parking positions found"));
+    EXPECT_FALSE(staticsLock);
+    lf_lockStatics(true);
+    candidates.resize(1);
+    gf_showMessage("placing", false);
+    pass(schiphol.pos(), 0, true);
+    EXPECT_TRUE(staticsLock);
+    std::string message;
+    place(rotterdam.pos(), 0, true);
+    list("EHAM,B9\n");
+    EXPECT_TRUE(lf_rereadParkAirports(message));
+    EXPECT_EQ(reservedStand, "D14") << "the stands are being filled";
+    candidates.clear();
+    staticAcs = {{{.objectId = 7, .simState = SimObjectState::active}}};
+    pass(schiphol.pos(), 0, true);
+    EXPECT_FALSE(staticsLock || !WEEK.enabled);
+    EXPECT_EQ(g_panel.statusText, "");
+    EXPECT_EQ(g_panel.parkedStaticCount, 1u);
 }
 
 TEST_F(AirportInSightTest, AFlightToADestination) {

@@ -2,6 +2,7 @@
 #include "core/parameters.h"
 #include "panel/panel_state.h"
 #include "parking/airport_list.h"
+#include "parking/learning.h"
 #include "simlink/user_aircraft.h"
 #include "tests/airports/airport_file_world.h"
 #include "tests/support/airport_data.h"
@@ -54,6 +55,7 @@ TEST_F(ReadParkedFileTest, AWellKnownAirportTakesNoGuesses) {
         ASSERT_EQ(lf_readParkedFile(), "");
         EXPECT_EQ(LEARN_SOFT.value, each.learns) << each.quality;
         EXPECT_EQ(LEARN_SOFT.enabled, each.learns);
+        EXPECT_EQ(learningAllowed, each.learns);
         EXPECT_EQ(g_parkingChanged, !each.learns);
     }
 }
@@ -84,6 +86,7 @@ TEST_F(ReadParkedFileTest, OneNodeAnAirportAndItsStandHeldFree) {
         EXPECT_EQ(readFile(listFile), each.file);
         EXPECT_EQ(parkAirports.front().code, each.first) << each.list;
         EXPECT_EQ(reservedStand, each.reserved) << each.list;
+        EXPECT_EQ(g_panel.reservedStandOk, !reservedStand.empty());
     }
 }
 

@@ -223,13 +223,13 @@ TEST_F(AiCommandsTest, ReverseGoesOutAtOnce) {
 
 TEST_F(AiCommandsTest, AnObjectIsFoundByItsTailNumberAndFrozen) {
     create(20001, "BAW1");
-    create(77, "DLH2*");
+    create(0, "DLH2*");  // the number that follows 9999
     sim.takeCalls();
     add(1001);
     add(1002);
     show(1002, "DLH2*");
     show(1001, "BAW1");
-    EXPECT_EQ(inbox(), (Lines{"1 1002 77 0 0", "0 1001 20001 0 1500"}));
+    EXPECT_EQ(inbox(), (Lines{"1 1002 0 0 0", "0 1001 20001 0 1500"}));
     EXPECT_EQ(sim.takeCalls(), (Lines{"release 1002 103", "release 1001 103"}));
     sim.deliver(frameMessage());
     EXPECT_EQ(sim.takeCalls(),

@@ -11,6 +11,7 @@
 #include "panel/panel_state.h"
 #include "panel/requests.h"
 #include "parking/park_airport.h"
+#include "parking/statics.h"
 #include "simlink/session.h"
 #include "simlink/sim_queues.h"
 #include "simlink/user_aircraft.h"
@@ -27,6 +28,8 @@ void clearWorld() {
     gf_clearDbase();
     gf_resetPanel();
     gf_resetRequests();
+    gf_resetStandFit();
+    gf_resetStatics();
     parkAirport = {};
     engineUser = {};
     userOnGround = false;
@@ -163,7 +166,11 @@ void QueueSimulator::frame() {
     for (auto& [id, object] : objects) {
         if (object.shown || silent || engineTick < object.shownAt) continue;
         object.shown = true;
-        gf_postSimMsg({.objectId = id, .hexid = object.hexid, .kind = msgLiveIdentified, .b = 3000});
+        const bool live = object.hexid > highestStaticId;
+        gf_postSimMsg({.objectId = id,
+                       .hexid = object.hexid,
+                       .kind = live ? msgLiveIdentified : msgStaticIdentified,
+                       .b = live ? 3000.0 : 0.0});
     }
     for (const uint32_t id : removed) {
         removals.push_back(id);
