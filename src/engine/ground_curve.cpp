@@ -9,6 +9,16 @@ namespace {
 
 constexpr double metersPerDegree = 111132.95, degreesPerMeter = 1 / metersPerDegree;  // of latitude
 
+struct Slope {
+    double north, east;  ///< meters per unit of t
+};
+
+Slope slopeAt(const GroundCurve& curve, double t) {
+    const double u = (t - curve.t0) / (curve.t1 - curve.t0), w = 1 - u;
+    return {2 * u * (curve.endNorth - curve.ctrlNorth) + 2 * w * curve.ctrlNorth,
+            2 * u * (curve.endEast - curve.ctrlEast) + 2 * w * curve.ctrlEast};
+}
+
 }  // namespace
 
 void lf_makeCurve(LiveAc& record) {
@@ -43,11 +53,18 @@ bool lf_curvePosition(const GroundCurve& curve, double t, LaLo& position) {
 
 bool lf_curveAt(const GroundCurve& curve, double t, LaLo& position, double& course) {
     if (!lf_curvePosition(curve, t, position)) return false;
-    const double u = (t - curve.t0) / (curve.t1 - curve.t0), w = 1 - u;
-    const double towardsNorth = 2 * u * (curve.endNorth - curve.ctrlNorth) + 2 * w * curve.ctrlNorth;
-    const double towardsEast = 2 * u * (curve.endEast - curve.ctrlEast) + 2 * w * curve.ctrlEast;
-    course = normalizeRad(std::atan2(towardsEast, towardsNorth));
+    const Slope slope = slopeAt(curve, t);
+    course = normalizeRad(std::atan2(slope.east, slope.north));
     return true;
+}
+
+double lf_courseRate(const GroundCurve& curve, double t) {
+    const Slope slope = slopeAt(curve, t);
+    const double square = slope.north * slope.north + slope.east * slope.east;
+    if (!(square > 0)) return 0;
+    const double bendNorth = 2 * (curve.endNorth - 2 * curve.ctrlNorth);
+    const double bendEast = 2 * (curve.endEast - 2 * curve.ctrlEast);
+    return (slope.north * bendEast - slope.east * bendNorth) / square;
 }
 
 }  // namespace skl

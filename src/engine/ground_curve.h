@@ -13,5 +13,7 @@ bool lf_curveAt(const GroundCurve& curve, double t, LaLo& position, double& cour
 
 /// The position alone, which costs no trigonometry.
 bool lf_curvePosition(const GroundCurve& curve, double t, LaLo& position);
+/// How fast the course changes at t, radians per unit of t; 0 where the curve has no direction.
+double lf_courseRate(const GroundCurve& curve, double t);
 
 }  // namespace skl

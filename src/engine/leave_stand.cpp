@@ -51,6 +51,9 @@ void forgetTheStay(LiveAc& record) {
     record.predictLeft = 0;
     record.holding = false;
     record.holdStart = 0;
+    // One that came down straight onto its stand has never turned off a runway.
+    record.rollout = false;
+    record.touchdownHeading = 0;
     record.turningOnGround = false;
     record.headingError = 0;
     record.targetHeading = record.simHeading;

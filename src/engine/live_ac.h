@@ -116,6 +116,7 @@ struct LiveAc : AcBase {
     double vsFpm = 0, tasKn = 0;                 ///< of the segment being flown
     GroundCurve curve;
     double curveT = 0, curveStep = 0, curveAngle = 0;
+    double courseStep = 0;  ///< by which the course of the curve changes, radians per tick
     LivePos pushSidePoint;
     double lastParkLat = 0, lastParkLon = 0;
     int32_t maxEarly = 1000, maxLate = 1000;  ///< the slack, ticks

@@ -26,21 +26,27 @@ bool drivesOnGround(FlightStage stage) {
            stage == FlightStage::taxi || stage == FlightStage::parking;
 }
 
-/// The nose follows the course of the curve, worked out at its start and every tenth tick: the curve is the
-/// only trigonometry of a tick.
+/// The nose follows the course of the curve, worked out at its start and every tenth tick and carried on in
+/// between: the curve is the only trigonometry of a tick.
 void followCurve(LiveAc& record) {
     const bool begins = record.curveT == 0;
     record.curveT = std::clamp(record.curveT + record.curveStep, 0.0, lastCurveT);
     LaLo position;
-    const bool fine = begins || engineTick % courseEvery == 0
-                          ? lf_curveAt(record.curve, record.curveT, position, record.targetHeading)
-                          : lf_curvePosition(record.curve, record.curveT, position);
+    const bool looks = begins || engineTick % courseEvery == 0;
+    const bool fine = looks ? lf_curveAt(record.curve, record.curveT, position, record.targetHeading)
+                            : lf_curvePosition(record.curve, record.curveT, position);
     if (!fine) {
         gf_log(fmt::format("{} error in curve at index: {:.2F}", record.callsign, record.curveT));
         return;
     }
     record.simLat = position.lat;
     record.simLon = position.lon;
+    if (looks)
+        // No faster than the nose can follow: at a sharp bend the course runs away until the next look.
+        record.courseStep = std::clamp(lf_courseRate(record.curve, record.curveT) * record.curveStep,
+                                       -record.turnRate, record.turnRate);
+    else
+        record.targetHeading += record.courseStep;
     const double course = record.targetHeading;
     lf_turnTowards(record, record.stage == FlightStage::pushing_back ? course + pi : course);
 }

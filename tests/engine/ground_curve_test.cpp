@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "engine/engine.h"
+#include "engine/engine_state.h"
 #include "tests/support/flown_aircraft.h"
 
 namespace skl::test {
@@ -42,6 +44,29 @@ TEST_F(GroundCurveTest, LeadsFromThePoseRoundTheCornerToTheEnd) {
         record.curve.ctrlNorth = std::nan("");
         EXPECT_FALSE(lf_curveAt(record.curve, 0.5, at, course));
         EXPECT_FALSE(lf_curveAt({}, 0.5, at, course));
+    }
+}
+
+TEST_F(GroundCurveTest, TheNoseFollowsTheCourseEvenly) {
+    const LaLo home{47.5, 8.5}, corner = away(home, 0, 25);
+    for (const double turn : {-60.0, 30.0, 60.0}) {
+        gf_resetEngine();
+        LiveAc& record = addFlying(groundReport(home, 8));
+        record.onGround = true;
+        record.stage = FlightStage::taxi;
+        record.stream.push_back(groundReport(corner, 8));
+        record.stream.push_back(groundReport(away(corner, turn, 25), 8));
+        for (size_t i = 0; i < 3; ++i) record.stream[i].time = static_cast<int32_t>(500 * i);
+        int ticks = 0;
+        for (; ticks < 200 || record.curve.set(); ++ticks) {
+            tick();
+            LaLo at;
+            double course = 0;
+            if (!lf_curveAt(record.curve, record.curveT, at, course)) continue;
+            ASSERT_LT(std::abs(toDeg(angleDiff(course, record.simHeading))), 0.6) << turn << ' ' << ticks;
+        }
+        EXPECT_GT(ticks, 800);
+        EXPECT_NEAR(toDeg(angleDiff(record.simHeading, toRad(turn))), 0, 0.6);
     }
 }
 

@@ -87,6 +87,8 @@ TEST_F(LeaveStand, TurnaroundOutOfAHold) {
         record.turningOnGround = true;
         record.headingError = 60;
         record.holding = true;
+        record.rollout = true;
+        record.touchdownHeading = record.simHeading;
 
         const auto leaving = [&](double t) {
             LivePos pos = groundReport(away(home, standHeading + way.bearing, std::min(2 * t, 60.0)), 4);
@@ -95,6 +97,7 @@ TEST_F(LeaveStand, TurnaroundOutOfAHold) {
         };
         run(90, leaving);
         EXPECT_FALSE(record.turningOnGround && record.headingError == 60);
+        EXPECT_FALSE(record.rollout);
         EXPECT_NEAR(toDeg(angleDiff(record.simHeading, toRad(nose))), way.turned, way.turned == 0 ? 1 : 5);
         if (way.bearing == 0) {
             EXPECT_EQ(record.stage, FlightStage::taxi);
