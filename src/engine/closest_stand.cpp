@@ -40,7 +40,7 @@ void grow(Stand& stand, double halfSpanNm) {
     lf_countUpdate();
 }
 
-struct Candidate {
+struct Nearest {
     Stand* stand = nullptr;
     double nm = std::numeric_limits<double>::infinity();
     void take(Stand& other, double distance) {
@@ -54,7 +54,7 @@ struct Candidate {
 Stand* lf_closestStand(LaLo pos, const LiveAc& record, double maxNm, bool wide) {
     // Most stands of an airport are too far away in latitude alone.
     const double reach = (wide ? std::max(maxNm, wideReachNm) : maxNm) * roundingMargin / nmPerDegree;
-    Candidate near, known;
+    Nearest near, known;
     for (Stand& stand : stands) {
         if (stand.occupied || std::abs(stand.lat - pos.lat) > reach) continue;
         const double nm = gf_distanceNm(pos, stand.pos());

@@ -6,7 +6,6 @@
 
 #include "airports/airport_file.h"
 #include "airports/airport_index.h"
-#include "core/errors.h"
 #include "core/log.h"
 #include "core/messages.h"
 #include "core/parameters.h"
@@ -33,15 +32,6 @@ bool inSight(double nm) {
     return AIRP_RANGE.value >= nm && AIRP_HEIGHT.value >= engineUser.altitude;
 }
 
-/// A file that is wrong costs its airport, not the run.
-std::string readStands() {
-    try {
-        return lf_readParkedFile();
-    } catch (const UserErrorException& error) {
-        return error.what();
-    }
-}
-
 /// The last planned aircraft has been placed: the parking controls are free again.
 void endPlacing() {
     lf_lockStatics(false);
@@ -52,7 +42,7 @@ void endPlacing() {
 void loadAirport() {
     loadPending = false;
     gf_clearMessage();
-    const std::string reason = readStands();
+    const std::string reason = lf_readParkedFile();
     if (reason.empty()) {
         gf_setGroundReference(GroundReference{parkAirport.pos(), parkAirport.alt});
         lf_firstFill();

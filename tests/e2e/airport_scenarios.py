@@ -80,19 +80,20 @@ def register(scenario, feed_line, stop_and_check):
         world.check(simulator.report()["alive"] == 0, "no object left")
 
     @scenario
-    def bad_airport_files_cost_only_themselves(world):
-        """A stand twice: the airport is given up with its message, traffic goes on, and the list stays."""
+    def a_stand_twice_ends_the_run(world):
+        """The message is held until the user closes, and the list is as it was."""
         serve(world, airport_file(stands=STANDS + STANDS[:1]))
         listed = put(world, LIST, "EGLL,A2\n")
         world.simulator()
         program = world.program()
         world.wait_for_log("Waiting for RealTraffic")
         world.real_traffic(standing(feed_line))
-        world.wait_for_log("Parking position A1 appears more than once?")
-        world.wait_for_log("User aircraft on the ground at EGLL", 2)
-        world.check(program.running(), "the program goes on")
+        world.wait_for_log("Error 94: Parking position A1 appears more than once?")
+        world.wait_for(lambda: "Error 94" in program.text(), "the message in the terminal")
+        world.check(program.running(), "it waits for the user")
         world.check(listed.read_text() == "EGLL,A2\n", "the list is as it was")
-        stop_and_check(world, program)
+        program.signal()
+        world.check(program.wait() == 0, "exit status 0")
 
     @scenario
     def a_site_that_hangs_holds_nothing_up(world):
