@@ -148,6 +148,7 @@ struct SessionEnd {
 }  // namespace
 
 Rows frameFlushRows() {
+    gf_resetSimLink();  // other measurements leave their commands in the queues
     Traffic traffic;
     Drain drain;
     const SessionEnd sessionEnd;

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "bench/bench.h"
+#include "core/run_state.h"
 #include "core/text.h"
 #include "core/time_text.h"
 #include "platform/system.h"
@@ -41,6 +42,7 @@ Rows measureAll(const std::string& only) {
     for (const auto& [name, run] : measurements) {
         if (name.find(only) == std::string_view::npos) continue;
         fmt::print(stderr, "measuring {} ...\n", name);
+        gf_resetRunState();  // a stop that one measurement has asked for is not the next one's
         try {
             for (Row& row : run()) all.push_back(std::move(row));
         } catch (const std::exception& error) {

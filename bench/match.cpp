@@ -88,6 +88,7 @@ Rows matchRows() {
     writeLiveries(manyLiveries);
     SCAN_LIVERIES.value = false;
     gf_startLiveries();
+    require(catalogueLoaded, "no catalogue");
     gf_seedRandom(29);
     auto requests = makeRequests(markOwnLiveries());
     gf_startLog();
