@@ -35,22 +35,13 @@ LaLo destinationPoint(LaLo a, double bearing, double distanceFt) {
     return {lat2 / degree, wrapLon(a.lon + dLon / degree)};
 }
 
-double angleDiff(double x, double y) {
-    const double d = x - y;
-    if (d > pi) return d - 2 * pi;
-    if (d < -pi) return d + 2 * pi;
-    return d;
-}
-
-double normalizeRad(double angle) {
+double foldRad(double angle) {
     const double turn = 2 * pi;
-    if (angle >= 0 && angle < turn) return angle;
     const double rest = std::fmod(angle, turn);
     return rest < 0 ? rest + turn : rest;
 }
 
-double wrapLon(double degrees) {
-    if (degrees >= -180 && degrees <= 180) return degrees;
+double foldLon(double degrees) {
     const double rest = std::fmod(degrees + 180, 360);
     return rest < 0 ? rest + 180 : rest - 180;
 }

@@ -33,11 +33,23 @@ double gf_distanceNm(LaLo a, LaLo b);
 double bearingRad(LaLo a, LaLo b);
 /// The point reached from `a` on `bearing` (radians) after `distanceFt` feet.
 LaLo destinationPoint(LaLo a, double bearing, double distanceFt);
+
+/// What lies outside of one turn, for the two below: they are called in every tick, and seldom need it.
+double foldRad(double angle);
+double foldLon(double degrees);
+
 /// x minus y, radians, brought into -pi to pi by one turn.
-double angleDiff(double x, double y);
+inline double angleDiff(double x, double y) {
+    const double d = x - y;
+    return d > pi ? d - 2 * pi : d < -pi ? d + 2 * pi : d;
+}
 /// Radians into 0 to 2 pi.
-double normalizeRad(double angle);
+inline double normalizeRad(double angle) {
+    return angle >= 0 && angle < 2 * pi ? angle : foldRad(angle);
+}
 /// A longitude or a difference of two, degrees, into -180 to 180: the short way over the date line.
-double wrapLon(double degrees);
+inline double wrapLon(double degrees) {
+    return degrees >= -180 && degrees <= 180 ? degrees : foldLon(degrees);
+}
 
 }  // namespace skl

@@ -14,7 +14,7 @@ struct Slope {
 };
 
 Slope slopeAt(const GroundCurve& curve, double t) {
-    const double u = (t - curve.t0) / (curve.t1 - curve.t0), w = 1 - u;
+    const double u = (t - curve.t0) * curve.perT, w = 1 - u;
     return {2 * u * (curve.endNorth - curve.ctrlNorth) + 2 * w * curve.ctrlNorth,
             2 * u * (curve.endEast - curve.ctrlEast) + 2 * w * curve.ctrlEast};
 }
@@ -36,6 +36,7 @@ void lf_makeCurve(LiveAc& record) {
     curve.endNorth = (end.lat - curve.originLat) * metersPerDegree;
     curve.endEast = wrapLon(end.lon - curve.originLon) * metersPerDegreeEast;
     curve.t1 = 1;
+    curve.perT = 1 / (curve.t1 - curve.t0);
     curve.ctrlEast = wrapLon(corner.lon - curve.originLon) * metersPerDegreeEast;
     curve.ctrlNorth = (corner.lat - curve.originLat) * metersPerDegree;
     record.stream.erase(record.stream.begin() + 1);
@@ -43,7 +44,7 @@ void lf_makeCurve(LiveAc& record) {
 
 bool lf_curvePosition(const GroundCurve& curve, double t, LaLo& position) {
     if (!curve.set() || !(t >= curve.t0 && t <= curve.t1)) return false;
-    const double u = (t - curve.t0) / (curve.t1 - curve.t0), w = 1 - u;
+    const double u = (t - curve.t0) * curve.perT, w = 1 - u;
     const double north = 2 * w * u * curve.ctrlNorth + u * u * curve.endNorth;
     const double east = 2 * w * u * curve.ctrlEast + u * u * curve.endEast;
     position.lat = north * degreesPerMeter + curve.originLat;

@@ -89,6 +89,7 @@ struct GroundCurve {
     double ctrlEast = std::numeric_limits<double>::quiet_NaN();
     double ctrlNorth = std::numeric_limits<double>::quiet_NaN();
     double degreesPerMeterEast = 0;  ///< at the origin
+    double perT = 0;                 ///< 1 / (t1 - t0): a division less in every tick
     bool set() const { return !std::isnan(ctrlEast) && !std::isnan(ctrlNorth); }
 };
 
