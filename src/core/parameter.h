@@ -22,6 +22,7 @@ class Parameter {
 class ControlParameter {
   public:
     ControlParameter(int id, int x, int y) : controlId(id), left(x), top(y) {}
+    virtual ~ControlParameter() = default;
     const int controlId;
     const int left;
     const int top;

@@ -1,4 +1,5 @@
-// The 42 controls of the panel: kind, place, size, and what the tip says, in the order in which they are made.
+// The 42 controls of the panel: kind, place, size, and what the tip says, in the order in which they are
+// made.
 #pragma once
 
 #include <span>

@@ -1,5 +1,5 @@
-// What the panel paints: five bands with lamps, grid and labels. A pure function of a look at the state and of
-// the settings.
+// What the panel paints: five bands with lamps, grid and labels. A pure function of a look at the state and
+// of the settings.
 #pragma once
 
 #include "panel/panel_state.h"

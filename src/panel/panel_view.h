@@ -23,8 +23,7 @@ struct PanelView {
     float averageFitLive = -1, averageFitStatic = -1;  ///< hours
     // --- the rest
     bool apfLoaded = false, staticsLock = false;
-    uint64_t offlineLearningCount = 0;  ///< airports in the folder for offline learning; 0: nothing to show
-    std::string offlineLearningFolder;
+    uint64_t offlineLearningCount = 0;  ///< airports set aside for offline learning; 0: nothing to show
 };
 
 PanelView gf_panelView();

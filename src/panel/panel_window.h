@@ -11,7 +11,8 @@ class PanelWindow {
     /// nullptr where there is no screen.
     static std::unique_ptr<PanelWindow> open();
     ~PanelWindow();
-    /// Handles the user's input, copies the controls' states that have changed, repaints what was invalidated.
+    /// Handles the user's input, copies the controls' states that have changed, repaints what was
+    /// invalidated.
     void serve(std::chrono::milliseconds patience);
     /// Stores where the window stands.
     void storePlace();

@@ -24,8 +24,8 @@ class Canvas {
     virtual void fill(const Rect& area, Colour colour) = 0;
     /// From one point to the other, without the end point's pixel.
     virtual void line(int x1, int y1, int x2, int y2, Colour colour) = 0;
-    /// UTF-8 with its upper left corner at (x, y), on a transparent background. Throws Utf8ConversionException
-    /// for text that is no UTF-8; then nothing is drawn.
+    /// UTF-8 with its upper left corner at (x, y), on a transparent background. Throws
+    /// Utf8ConversionException for text that is no UTF-8; then nothing is drawn.
     virtual void text(int x, int y, std::string_view utf8, Colour colour) = 0;
 };
 

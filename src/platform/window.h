@@ -1,5 +1,5 @@
-// The program's window behind one interface, so that paint and handlers are the same code everywhere. All of it
-// on the thread that made it. Knows nothing of the program.
+// The program's window behind one interface, so that paint and handlers are the same code everywhere. All of
+// it on the thread that made it. Knows nothing of the program.
 #pragma once
 
 #include <chrono>
