@@ -27,6 +27,7 @@ class ControlParameter {
     const int left;
     const int top;
     std::atomic<bool> enabled{false};
+    std::atomic<uint32_t> refreshes{0};  ///< counts up when the control is to show its value again
 };
 
 class BoolParameter : public Parameter {

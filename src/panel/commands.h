@@ -7,6 +7,8 @@
 
 namespace skl {
 
+/// The window's close button, or its like: says so and asks for the end of the process. Any thread.
+void gf_closeButton();
 /// A check box or a button.
 void gf_controlClicked(int id);
 /// Entry `index` of a combo box was chosen.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -47,7 +48,9 @@ class Window {
     /// Handles what has come, and waits up to `patience` for more.
     virtual void pump(std::chrono::milliseconds patience) = 0;
     virtual void invalidate(const Rect& area) = 0;
-    virtual void setControl(int id, const ControlState& state) = 0;
+    /// Shows what differs from the state set before. What the user is typing stays, unless the text itself
+    /// differs or `refresh` says that the control is to show its state again.
+    virtual void setControl(int id, const ControlState& state, bool refresh = false) = 0;
     virtual void setTopmost(bool topmost) = 0;
     virtual void position(int& x, int& y) const = 0;
     /// Paints made since the start: for tests and figures.
@@ -56,7 +59,8 @@ class Window {
 
 /// Whether there is a screen to open a window on; asked before anything of the toolkit is touched.
 bool displayAvailable();
-/// Opens the window with the client area 880 by 476. nullptr if that fails.
+/// Opens the window with a client area of 880 by 476, scaled by the screen's density, at a place in pixels of
+/// the screen. The controls are made in reading order, which is the order of Tab.
 std::unique_ptr<Window> openWindow(const std::string& title, int x, int y, std::vector<ControlSpec> controls,
                                    WindowEvents events);
 
