@@ -82,6 +82,10 @@ void PanelWindow::serve(std::chrono::milliseconds patience) {
         if (invalidated & 1u << static_cast<unsigned>(band)) parts_->window->invalidate(gf_bandRect(band));
 }
 
+uint64_t PanelWindow::repaints() const {
+    return parts_->window->paints();
+}
+
 void PanelWindow::storePlace() {
     int x = 0, y = 0;
     parts_->window->position(x, y);

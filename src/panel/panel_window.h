@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 
 namespace skl {
@@ -14,6 +15,8 @@ class PanelWindow {
     /// Handles the user's input, copies the controls' states that have changed, repaints what was
     /// invalidated.
     void serve(std::chrono::milliseconds patience);
+    /// Paints made so far.
+    uint64_t repaints() const;
     /// Stores where the window stands.
     void storePlace();
 
