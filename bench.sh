@@ -5,7 +5,8 @@
 #   ./bench.sh [--write] [--only WORD]
 #
 # --write  puts the table into docs/performance.md
-# --only   the measurements whose name holds the word: decode, tick, flush, scan, cold start, match
+# --only   the measurements whose name holds the word: decode, tick, flush, scan, cold start, match,
+#          airport file, parking, panel
 set -euo pipefail
 cd "$(dirname "$0")"
 arguments=()
@@ -13,11 +14,12 @@ while [ $# -gt 0 ]; do
     case $1 in
         --write) arguments+=(--write docs/performance.md); shift ;;
         --only) arguments+=(--only "$2"); shift 2 ;;
-        -h | --help) sed -n '2,8p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+        -h | --help) sed -n '2,9p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
         *) echo "unknown option $1, see --help" >&2; exit 2 ;;
     esac
 done
 tools/install_packages.sh
 cmake --preset release -DSKYLANTERN_BENCH=ON >/dev/null
 cmake --build --preset release --target skylantern_bench | tail -n 1
-build/release/bench/skylantern_bench "${arguments[@]}"
+# The window is measured on a screen without a monitor.
+xvfb-run -a build/release/bench/skylantern_bench "${arguments[@]}"

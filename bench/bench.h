@@ -29,6 +29,7 @@ Rows coldStartRows();
 Rows matchRows();
 Rows airportFileRows();
 Rows parkingRows();
+Rows panelRows();
 
 /// The cold start itself, in a process of its own: reads the data of the working folder, prints wall time and
 /// memory.

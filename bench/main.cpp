@@ -31,7 +31,8 @@ constexpr Measurement measurements[] = {{"decode", decodeRows},
                                         {"cold start", coldStartRows},
                                         {"match", matchRows},
                                         {"airport file", airportFileRows},
-                                        {"parking", parkingRows}};
+                                        {"parking", parkingRows},
+                                        {"panel", panelRows}};
 
 struct Options {
     std::string only, file;

@@ -1,51 +1,27 @@
 // The process: one instance a user, the log, and the loop that starts one run after the other. SIGINT and
-// SIGTERM are the close button. Without a window the message line and the figures go to standard output.
+// SIGTERM are the close button. Where there is no screen, the terminal takes the place of the window.
 #include <fmt/format.h>
 
 #include <clocale>
-#include <cstdio>
 #include <filesystem>
-#include <string>
+#include <memory>
+#include <optional>
 #include <system_error>
 
 #include "core/clock.h"
 #include "core/folders.h"
 #include "core/log.h"
-#include "core/messages.h"
 #include "core/run_sequence.h"
 #include "core/run_state.h"
 #include "core/supervisor.h"
 #include "core/text.h"
 #include "core/time_text.h"
-#include "panel/status_line.h"
+#include "panel/commands.h"
+#include "panel/console.h"
+#include "panel/panel_window.h"
 #include "platform/system.h"
 
 namespace {
-
-constexpr skl::Nanos statusInterval = std::chrono::seconds(5);
-
-void print(const std::string& line) {
-    std::fputs((line + "\n").c_str(), stdout);
-    std::fflush(stdout);
-}
-
-/// Prints the message line when it has changed, and the figures every few seconds.
-class Console {
-  public:
-    void show() {
-        const std::string message = skl::gf_messageLine();
-        if (message != lastMessage_ && !message.empty()) print(message);
-        lastMessage_ = message;
-        const skl::Nanos now = skl::gf_steadyNow();
-        if (now < nextStatus_) return;
-        nextStatus_ = now + statusInterval;
-        print(fmt::format("{} {}", skl::gf_timeOfDay(), skl::gf_statusLine()));
-    }
-
-  private:
-    std::string lastMessage_;
-    skl::Nanos nextStatus_ = skl::gf_steadyNow() + statusInterval;
-};
 
 bool makeProgramFolder() {
     const auto folder = skl::gf_programDataPath();
@@ -57,6 +33,17 @@ bool makeProgramFolder() {
     return false;
 }
 
+void superviseWithWindow(skl::PanelWindow& window) {
+    skl::gf_superviseRuns(skl::lf_run, {},
+                          [&window](std::chrono::milliseconds patience) { window.serve(patience); });
+    window.storePlace();
+}
+
+void superviseInTerminal() {
+    skl::Console console;
+    skl::gf_superviseRuns(skl::lf_run, [&console] { console.show(); });
+}
+
 }  // namespace
 
 int main() {
@@ -66,14 +53,13 @@ int main() {
     if (!instance) return -1;
     skl::gf_startLog();
     if (!makeProgramFolder()) return 0;
-    skl::platform::watchStopSignals([] {
-        skl::gf_showMessage(fmt::format("Close window button clicked, closing {} ...", skl::programName),
-                            false);
-        skl::gf_requestClose();
-    });
+    skl::platform::watchStopSignals(skl::gf_closeButton);
+    const auto window = skl::PanelWindow::open();
     skl::gf_postStartRun();
-    Console console;
-    skl::gf_superviseRuns(skl::lf_run, [&console] { console.show(); });
+    if (window)
+        superviseWithWindow(*window);
+    else
+        superviseInTerminal();
     skl::platform::stopWatchingSignals();
     skl::gf_log(skl::gf_timeString(skl::gf_utcSeconds()));
     skl::gf_closeLog();

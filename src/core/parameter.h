@@ -22,10 +22,12 @@ class Parameter {
 class ControlParameter {
   public:
     ControlParameter(int id, int x, int y) : controlId(id), left(x), top(y) {}
+    virtual ~ControlParameter() = default;
     const int controlId;
     const int left;
     const int top;
     std::atomic<bool> enabled{false};
+    std::atomic<uint32_t> refreshes{0};  ///< counts up when the control is to show its value again
 };
 
 class BoolParameter : public Parameter {

@@ -27,6 +27,7 @@
 #include "liveries/reference_db.h"
 #include "panel/controls.h"
 #include "panel/panel_state.h"
+#include "panel/requests.h"
 #include "panel/traffic_range.h"
 #include "parking/airport_list.h"
 
@@ -67,6 +68,15 @@ void settleInstallPath() {
     gf_invalidate(Band::options);
 }
 
+/// What was scanned for the simulator before is of no use to this one.
+void forgetOtherSimulator() {
+    std::error_code error;
+    fs::remove(paths::liveriesScanned, error);
+    if (error)
+        gf_logError(fmt::format("remove: {} [{}]", error.message(), gf_pathText(paths::liveriesScanned)));
+    gf_clearCatalogue();
+}
+
 void findRealTraffic() {
     std::error_code unreadable;  // then it is not there for us
     g_realTrafficHere = fs::exists(gf_appDataPath() / "InsideSystems" / "RealTraffic.jar", unreadable);
@@ -80,7 +90,7 @@ void lf_prepareRun() {
     gf_invalidate(Band::status);
     gf_stripCommunity();
     gf_ensureFolders();
-    liveLimit = MAX_LIVE_SEL.value;
+    liveLimit = MAX_LIVE_SEL.value.load();
     gf_enableControlsAtStart();
     rememberWorkingFolder();
     gf_storeNow(gf_weekSlotOf(gf_utcSeconds()));
@@ -94,6 +104,7 @@ void lf_prepareRun() {
 }
 
 void lf_loadData() {
+    if (g_simulatorSwitched.exchange(false)) forgetOtherSimulator();
     workerLimit = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
     if (!fs::exists(paths::liveriesScanned) && !SCAN_LIVERIES.value) {
         gf_showMessage(fmt::format("File {} is gone, rescan liveries", gf_pathText(paths::liveriesScanned)),

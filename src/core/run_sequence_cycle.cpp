@@ -130,6 +130,7 @@ void lf_everySecond() {
     gf_storeNow(currentSlot());
     ++g_seconds;
     lf_updateUserStand();
+    lf_servePanelRequests();
     lf_serveNewAcList();
     gf_answerCallsignQuery();
     lf_serveFlush();
@@ -178,6 +179,7 @@ void lf_notRunningTick() {
     --pauseCountdown;
     if (pauseCountdown % 100 == 0) {
         rereadParkAirports();
+        lf_servePanelRequests();
         gf_sendPosition();
     }
     if (pauseCountdown < 1) {

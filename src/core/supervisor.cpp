@@ -15,6 +15,8 @@ std::condition_variable requestCame;
 bool runWanted = false;
 bool endWanted = false;
 
+constexpr std::chrono::milliseconds idleTime{250}, pumpTime{50};
+
 }  // namespace
 
 void gf_postStartRun() {
@@ -33,15 +35,17 @@ void gf_postEndProcess() {
     requestCame.notify_one();
 }
 
-void gf_superviseRuns(const std::function<void()>& run, const std::function<void()>& idle) {
+void gf_superviseRuns(const std::function<void()>& run, const std::function<void()>& idle,
+                      const std::function<void(std::chrono::milliseconds)>& pump) {
     std::thread worker;
     for (;;) {
+        if (pump) pump(pumpTime);
         bool start = false;
         bool end = false;
         {
             std::unique_lock guard(requestLock);
-            requestCame.wait_for(guard, std::chrono::milliseconds(250),
-                                 [] { return runWanted || endWanted; });
+            const auto patience = pump ? std::chrono::milliseconds(0) : idleTime;
+            requestCame.wait_for(guard, patience, [] { return runWanted || endWanted; });
             start = std::exchange(runWanted, false);
             end = std::exchange(endWanted, false);
         }

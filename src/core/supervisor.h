@@ -1,7 +1,8 @@
 // The loop of the process: starts one run after the other, each on a worker thread, until the process is to
-// end. It takes the place of a window's message loop where there is no window.
+// end. It serves the window, where there is one, in between.
 #pragma once
 
+#include <chrono>
 #include <functional>
 
 namespace skl {
@@ -11,8 +12,10 @@ void gf_postStartRun();
 void gf_postEndProcess();
 
 /// Runs `run` on a worker thread at each request for a run, after joining the thread of the run before; calls
-/// `idle` about four times a second on this thread. Returns once the end was asked for and the last worker
-/// has been joined.
-void gf_superviseRuns(const std::function<void()>& run, const std::function<void()>& idle);
+/// `idle` on this thread, about four times a second. Returns once the end was asked for and the last worker
+/// has been joined. `pump`, where there is a window, waits in place of the loop, for the time it is told at
+/// most.
+void gf_superviseRuns(const std::function<void()>& run, const std::function<void()>& idle,
+                      const std::function<void(std::chrono::milliseconds)>& pump = {});
 
 }  // namespace skl

@@ -26,7 +26,7 @@ std::deque<TrafficUpdate> trafficInbox;
 std::vector<SimMsg> simInbox;
 std::vector<SimMsg> pendingObjects;
 uint32_t watchedObjectId = 0;
-int32_t liveLimit = 0;
+std::atomic<int32_t> liveLimit{0};
 EngineCounters engineCounters;
 
 void lf_noteNewAc(uint32_t hexid) {

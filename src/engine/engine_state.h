@@ -26,8 +26,8 @@ extern std::unordered_map<uint32_t, LiveryRef> liveryMemory;
 extern std::deque<TrafficUpdate> trafficInbox;  ///< under g_trafficLock
 extern std::vector<SimMsg> simInbox;            ///< under g_eventLock
 extern std::vector<SimMsg> pendingObjects;      ///< under g_eventLock
-extern uint32_t watchedObjectId;  ///< object shown as the answer to the callsign question; 0 none
-extern int32_t liveLimit;         ///< the user's limit on live aircraft while an airport has its own
+extern uint32_t watchedObjectId;        ///< object shown as the answer to the callsign question; 0 none
+extern std::atomic<int32_t> liveLimit;  ///< the user's limit on live aircraft while an airport has its own
 
 /// The aircraft's conflicts with statics are to be checked, once.
 void lf_noteNewAc(uint32_t hexid);

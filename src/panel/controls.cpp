@@ -11,6 +11,10 @@ void gf_enableControl(ControlParameter& control, bool enabled) {
     if (control.enabled.exchange(enabled) != enabled) gf_invalidate(Band::options);
 }
 
+void gf_refreshControl(ControlParameter& control) {
+    ++control.refreshes;
+}
+
 void gf_enableControlsAtStart() {
     const auto& lists = gf_parameterLists();
     for (auto* check : lists.checks)

@@ -7,6 +7,8 @@
 namespace skl {
 
 void gf_enableControl(ControlParameter& control, bool enabled);
+/// The control shows its parameter's value again, whatever the user has typed.
+void gf_refreshControl(ControlParameter& control);
 /// The state of all controls once a run has read its parameters.
 void gf_enableControlsAtStart();
 

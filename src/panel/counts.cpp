@@ -2,14 +2,33 @@
 #include "engine/engine_state.h"
 #include "engine/live_parking.h"
 #include "panel/panel_state.h"
+#include "parking/park_airport.h"
+#include "parking/stands.h"
 #include "parking/statics.h"
 
 namespace skl {
 
 namespace {
 
-void show(std::atomic<uint64_t>& field, uint64_t count, Band band) {
-    if (field.exchange(count) != count) gf_invalidate(band);
+template <class Value>
+void show(std::atomic<Value>& field, Value value, Band band) {
+    if (field.exchange(value) != value) gf_invalidate(band);
+}
+
+void show(std::string PanelState::*field, const std::string& text) {
+    if (gf_panelText(field) != text) gf_setPanelText(field, text, Band::parking);
+}
+
+/// The panel's copy of what only this thread may read.
+void showAirportInSight() {
+    show(&PanelState::airportCode, parkAirport.code);
+    show(&PanelState::reservedStand, reservedStand);
+    show(g_panel.airportFileLoaded, g_apfLoaded.load(), Band::parking);
+    show(g_panel.handmade, airportFile.handmade, Band::parking);
+    show(g_panel.trafficWeek, airportFile.trafficWeek, Band::parking);
+    show(g_panel.updateCount, updatesCount, Band::parking);
+    show(g_panel.maxParkCount, maxParkCount, Band::parking);
+    show(g_panel.standCount, uint64_t{stands.size()}, Band::parking);
 }
 
 }  // namespace
@@ -24,8 +43,9 @@ void lf_updateCounts() {
 }
 
 void lf_updateParkedCounts() {
-    show(g_panel.parkedLiveCount, lf_countLiveParked(true), Band::parking);
-    show(g_panel.parkedStaticCount, lf_countStatics(true), Band::parking);
+    showAirportInSight();
+    show(g_panel.parkedLiveCount, uint64_t{lf_countLiveParked(true)}, Band::parking);
+    show(g_panel.parkedStaticCount, uint64_t{lf_countStatics(true)}, Band::parking);
 }
 
 }  // namespace skl

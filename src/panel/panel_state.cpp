@@ -40,7 +40,8 @@ void gf_resetPanel() {
         LockGuard guard(g_panelLock);
         for (auto field : {&PanelState::statusText, &PanelState::errorText, &PanelState::userAircraftText,
                            &PanelState::simText, &PanelState::userStandText, &PanelState::feedText,
-                           &PanelState::airportName, &PanelState::airportPublisher, &PanelState::qualityText})
+                           &PanelState::airportName, &PanelState::airportPublisher, &PanelState::qualityText,
+                           &PanelState::airportCode, &PanelState::reservedStand})
             (g_panel.*field).clear();
     }
     g_panel.messageStamp = 0;
@@ -50,6 +51,12 @@ void gf_resetPanel() {
     g_panel.averageFitLive = -1.0f;
     g_panel.averageFitStatic = -1.0f;
     g_panel.softMark = false;
+    g_panel.airportFileLoaded = false;
+    g_panel.handmade = false;
+    g_panel.trafficWeek = 0;
+    g_panel.updateCount = 0;
+    g_panel.maxParkCount = 0;
+    g_panel.standCount = 0;
     g_panel.qnh = 0;
     g_panel.feedLampBlack = true;
     g_panel.feedConnected = false;

@@ -18,6 +18,8 @@ struct PanelState {
     std::string statusText, errorText;
     std::string userAircraftText, simText, userStandText, feedText;
     std::string airportName, airportPublisher, qualityText, objectIdText;
+    std::string airportCode;    ///< of the airport in sight, empty if there is none
+    std::string reservedStand;  ///< held free for the user, may be empty
 
     std::atomic<int32_t> messageStamp{0};
     std::atomic<uint64_t> liveCount{0}, simaddonCount{0}, thirdpartyCount{0}, liveryCount{0};
@@ -25,6 +27,13 @@ struct PanelState {
     std::atomic<float> averageFitLive{-1.0f}, averageFitStatic{-1.0f};  ///< hours; above 0 is shown
     std::atomic<bool> softMark{false};         ///< the last placing of static aircraft used soft options
     std::atomic<bool> reservedStandOk{false};  ///< the airport has the stand that is held free
+    std::atomic<bool> airportFileLoaded{false};
+    std::atomic<bool> handmade{false};     ///< the airport's learned file replaces the archived one
+    std::atomic<int32_t> trafficWeek{0};   ///< of the airport file
+    std::atomic<int32_t> updateCount{0};   ///< learned for the airport in this visit
+    std::atomic<int32_t> maxParkCount{0};  ///< aircraft that the airport may show, 0 and below: no limit
+    std::atomic<uint64_t> standCount{0};
+    std::atomic<uint64_t> offlineLearningCount{0};  ///< airports that the last scan set aside; outlives a run
     std::atomic<int32_t> qnh{0};
     std::atomic<int32_t> minutesToRenewal{0};
     std::atomic<int32_t> maxParkPercent{0};
@@ -47,7 +56,8 @@ void gf_resetPanel();
 
 /// Once a second: counts of the engine's tables into the state.
 void lf_updateCounts();
-/// The part of it that tells of the parked aircraft, live and static, and their average fit.
+/// The part of it that tells of the airport in sight: its file, its parked aircraft, live and static, and
+/// their average fit.
 void lf_updateParkedCounts();
 
 }  // namespace skl

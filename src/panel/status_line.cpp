@@ -8,6 +8,7 @@
 #include "engine/engine_state.h"
 #include "feed/feed.h"
 #include "panel/panel_state.h"
+#include "panel/panel_view.h"
 
 namespace skl {
 
@@ -66,6 +67,15 @@ std::string gf_statusLine() {
         tally(engineCounters.byStage, [](int i) { return gf_stageWord(static_cast<FlightStage>(i)); }),
         engineCounters.created.load(), engineCounters.removed.load(), engineCounters.refused.load(),
         feedCounters.datagrams.load(), feedCounters.queued.load(), drops());
+}
+
+std::string gf_airportLine() {
+    const PanelView view = gf_panelView();
+    if (view.airportCode.empty()) return {};
+    if (!view.airportFileLoaded) return view.airportCode + ": its stands are not known";
+    return fmt::format("{} {}: {} stands, parked live {}, static {}, {} updates", view.airportCode,
+                       view.airportName, view.standCount, view.parkedLiveCount, view.parkedStaticCount,
+                       view.updateCount);
 }
 
 }  // namespace skl

@@ -33,6 +33,9 @@ bool replaceFile(const std::filesystem::path& path, std::string_view content, st
 void watchStopSignals(std::function<void()> onStop);
 void stopWatchingSignals();
 
+/// The width of the terminal that standard output goes to; 0 when it goes elsewhere.
+int terminalColumns();
+
 /// Resident memory now and at its peak, kilobytes; 0 where not known.
 struct MemoryUse {
     uint64_t nowKb = 0;

@@ -5,6 +5,7 @@
 #include <pwd.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -22,6 +23,8 @@ namespace skl::platform {
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr int usualColumns = 80;
 
 /// An absolute path out of the environment; relative ones do not count.
 fs::path environmentPath(const char* name) {
@@ -148,6 +151,13 @@ void stopWatchingSignals() {
     const timespec noWait{};
     while (::sigtimedwait(&set, nullptr, &noWait) > 0) {
     }
+}
+
+int terminalColumns() {
+    if (!isatty(STDOUT_FILENO)) return 0;
+    winsize size{};
+    const bool told = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return told ? size.ws_col : usualColumns;
 }
 
 MemoryUse memoryUse() {

@@ -12,6 +12,8 @@ import subprocess
 import tempfile
 import time
 
+from screen import Screen
+
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PATIENCE = float(os.environ.get("SKYLANTERN_TEST_PATIENCE", "60"))
 
@@ -64,6 +66,8 @@ class World:
         self.config.mkdir()
         self.env = dict(os.environ, XDG_CONFIG_HOME=str(self.config), XDG_DATA_HOME=str(self.folder / "data"),
                         XDG_RUNTIME_DIR=str(self.folder), HOME=str(self.folder))
+        self.env.pop("DISPLAY", None)  # without a screen unless a scenario wants one
+        self.screens = []
         if real_traffic:
             (self.config / "InsideSystems").mkdir()
             (self.config / "InsideSystems" / "RealTraffic.jar").touch()
@@ -90,6 +94,15 @@ class World:
         process = Process(name, [str(c) for c in command], self.run_folder, self.env)
         self.processes.append(process)
         return process
+
+    def screen(self, **options):
+        """A screen for the programs that are started from now on, with the window in its corner."""
+        screen = Screen(self.folder, **options)
+        self.screens.append(screen)
+        self.env["DISPLAY"] = screen.display
+        self.settings.update({"MAIN_WINDOW_X": "0", "MAIN_WINDOW_Y": "0"})
+        self.write_parameters()
+        return screen
 
     def program(self, name="skylantern"):
         return self.start(name, [self.run_folder / "skylantern"])
@@ -153,4 +166,6 @@ class World:
                 process.signal(signal.SIGKILL)
                 process.child.wait()
             process.output.close()
+        for screen in self.screens:
+            screen.end()
         shutil.rmtree(self.folder, ignore_errors=True)

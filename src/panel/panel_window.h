@@ -1,0 +1,29 @@
+// The panel on the screen: joins the window with the control table, the paint and the commands.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+
+namespace skl {
+
+class PanelWindow {
+  public:
+    /// nullptr where there is no screen.
+    static std::unique_ptr<PanelWindow> open();
+    ~PanelWindow();
+    /// Handles the user's input, copies the controls' states that have changed, repaints what was
+    /// invalidated.
+    void serve(std::chrono::milliseconds patience);
+    /// Paints made so far.
+    uint64_t repaints() const;
+    /// Stores where the window stands.
+    void storePlace();
+
+  private:
+    PanelWindow();
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace skl
