@@ -56,6 +56,7 @@ std::unique_ptr<PanelWindow> PanelWindow::open() {
     Parts& parts = *panel->parts_;
     parts.window = platform::openWindow(std::string(programName), MAIN_WINDOW_X.value, MAIN_WINDOW_Y.value,
                                         std::move(specs), events());
+    if (!parts.window) return nullptr;
     for (const PanelControl& control : gf_panelControls()) {
         parts.shown.push_back({&control, gf_controlState(control), control.parameter.refreshes});
         parts.window->setControl(control.parameter.controlId, parts.shown.back().state, true);

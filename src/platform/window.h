@@ -60,7 +60,7 @@ class Window {
 /// Whether there is a screen to open a window on; asked before anything of the toolkit is touched.
 bool displayAvailable();
 /// Opens the window with a client area of 880 by 476, scaled by the screen's density, at a place in pixels of
-/// the screen. The controls are made in reading order, which is the order of Tab.
+/// the screen. The controls are made in reading order, which is the order of Tab. nullptr without a screen.
 std::unique_ptr<Window> openWindow(const std::string& title, int x, int y, std::vector<ControlSpec> controls,
                                    WindowEvents events);
 

@@ -16,7 +16,7 @@ class Screen:
         width, height = (int(length * scale) for length in SIZE)
         # Networks of their own share /tmp: a number of this process's own, so that no two screens meet.
         self.server = subprocess.Popen(["Xvfb", f":{os.getpid()}", "-displayfd", str(write), "-screen", "0", f"{width}x{height}x24", "-dpi",
-                                        str(density), "-nolisten", "tcp"], pass_fds=[write], stdout=subprocess.DEVNULL,
+                                        str(density), "-noreset", "-nolisten", "tcp"], pass_fds=[write], stdout=subprocess.DEVNULL,
                                        stderr=subprocess.DEVNULL)
         os.close(write)
         with os.fdopen(read) as told:

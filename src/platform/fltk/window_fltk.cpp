@@ -69,9 +69,13 @@ class PanelArea : public Fl_Double_Window {
     const WindowEvents& events_;
 };
 
+Display* connection = nullptr;  ///< made by the first look whether there is a screen
 bool displayLost = false;
 
-/// Xlib would end the process; here the program is told and ends in order.
+/// Xlib, and FLTK's handler, would end the process; here the program is told and ends in order.
+int passOver(Display*) {
+    return 0;
+}
 void noteLostDisplay(Display*, void*) {
     displayLost = true;
 }
@@ -91,6 +95,7 @@ class WindowFltk : public Window {
         for (const ControlSpec& spec : controls) controls_[spec.id] = makeControl(spec, scale_, events_);
         area_->end();
         area_->show();
+        XSetIOErrorHandler(passOver);
         XSetIOErrorExitHandler(fl_display, noteLostDisplay, nullptr);
     }
     ~WindowFltk() override {
@@ -148,15 +153,16 @@ class WindowFltk : public Window {
 }  // namespace
 
 bool displayAvailable() {
-    Display* display = XOpenDisplay(nullptr);
-    if (!display) return false;
-    XCloseDisplay(display);
-    return true;
+    // FLTK ends the process when it cannot connect. The connection is kept for it: a bare server begins anew
+    // when its only client goes.
+    if (!fl_display && !connection) connection = XOpenDisplay(nullptr);
+    return fl_display || connection;
 }
 
 std::unique_ptr<Window> openWindow(const std::string& title, int x, int y, std::vector<ControlSpec> controls,
                                    WindowEvents events) {
-    fl_open_display();
+    if (!displayAvailable()) return nullptr;
+    if (!fl_display) fl_open_display(connection);
     Fl::set_font(FL_HELVETICA, " Liberation Sans");
     Fl::visible_focus(1);
     return std::make_unique<WindowFltk>(title, x, y, std::move(controls), std::move(events));
