@@ -19,6 +19,7 @@
 #include "core/parameters.h"
 #include "core/run_state.h"
 #include "core/text.h"
+#include "distribution/updates.h"
 #include "engine/engine_state.h"
 #include "engine/flight_plan.h"
 #include "feed/feed.h"
@@ -91,6 +92,7 @@ void lf_prepareRun() {
     gf_stripCommunity();
     gf_ensureFolders();
     liveLimit = MAX_LIVE_SEL.value.load();
+    if (!g_restartPending) gf_updateDataFiles();
     gf_enableControlsAtStart();
     rememberWorkingFolder();
     gf_storeNow(gf_weekSlotOf(gf_utcSeconds()));

@@ -84,6 +84,10 @@ std::string gf_siteUrl(bool common) {
     return siteBase + (common || sim2020 ? "MSFS/" : "MSFS2024/");
 }
 
+std::string gf_siteFileUrl(std::string_view name) {
+    return siteBase + std::string(name);
+}
+
 bool gf_download(const std::string& url, const fs::path& path, bool /*binary: bytes stay as they come*/) {
     if (!gf_siteKnown()) return false;
     try {

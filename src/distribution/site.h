@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace skl {
 
@@ -11,6 +12,8 @@ namespace skl {
 bool gf_siteKnown();
 /// The base followed by "MSFS/" when `common` or for MSFS 2020, else by "MSFS2024/".
 std::string gf_siteUrl(bool common);
+/// The base followed by the name of a file.
+std::string gf_siteFileUrl(std::string_view name);
 /// One GET into a file; true when the whole body was stored. Written beside and renamed, so that a failure
 /// leaves an old file as it was. Ends on a stop, and when no byte has come for 10 s.
 bool gf_download(const std::string& url, const std::filesystem::path& path, bool binary = false);

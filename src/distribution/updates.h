@@ -1,0 +1,23 @@
+// The update of the data files at the start of a process: the site's version file is compared with the
+// versions in the parameters, and what is newer or missing is fetched beside and renamed when whole. Without
+// a site the program goes on with what it has. Worker thread, before the reference database is read.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "core/version.h"
+
+namespace skl {
+
+/// The update step. Throws nlohmann::json::parse_error for a version file that is no JSON, and
+/// std::filesystem::filesystem_error when a local file cannot be looked at.
+void gf_updateDataFiles();
+/// One file of the site, with its log lines; an old file stays when that fails.
+bool gf_fetchFile(const std::string& name, const std::filesystem::path& path);
+/// The pack of add-on airports for MSFS 2024; true when it was installed.
+bool lf_updateSimAddon(VersionData remote);
+/// Whether its folder is not there, or empty.
+bool lf_simAddonMissing();
+
+}  // namespace skl
