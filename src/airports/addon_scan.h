@@ -1,6 +1,7 @@
 // The scan of the user's add-on airports: finds scenery files with airports, tells their publisher, and links
 // each airport to a file of the data site or generates one. Worker thread, with a pool of threads for the
-// files; lf_linkAirport, lf_notRecognised, lf_keepGenerated and lf_scanLog are called on those.
+// files; lf_linkAirport, lf_notRecognised, lf_keepGenerated and lf_scanLog are
+// called on those.
 #pragma once
 
 #include <atomic>
@@ -22,8 +23,6 @@ extern std::atomic<bool> airportsGenerated;
 void lf_scanAirports();
 /// Whether the folders gave any link or generated file.
 bool lf_scanFolders(const std::vector<std::string>& folders);
-/// Whether a path is never looked at: too long, or of a package without airports.
-bool lf_skipPath(std::string_view path);
 
 /// Appends a line to the scan log. Any thread.
 void lf_scanLog(std::string line);

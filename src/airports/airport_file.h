@@ -102,6 +102,14 @@ std::string gf_qualityText(QualityFactors quality);
 /// Nautical miles from `position` to the closest stand of any airport, and its name; 100.0 on any failure.
 double gf_readDestApfForClosestStand(const std::string& code, LaLo position, std::string& standId);
 
+// --- for the scan of add-on airports
+/// The publisher row; empty if there is none, or no file.
+std::string gf_publisherOfFile(const std::filesystem::path& path);
+/// Why a generated file of an unknown publisher could not be placed; empty if it could.
+std::string gf_manifestInfoOfFile(const std::filesystem::path& path);
+/// Whether the site's stock file of an airport is a good teacher for an add-on version of it.
+bool gf_offlineLearnable(const std::string& code);
+
 /// "0,1,47" to a set of half hours and back. Items that are no half hour are logged and left out.
 uint64_t gf_hours2bitset(std::string_view text);
 std::string gf_bitset2hours(uint64_t hours);

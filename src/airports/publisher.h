@@ -1,5 +1,5 @@
-// Who made an add-on airport: told by words in the path of its scenery file, or by the package's manifest.json.
-// Reads the reference database only; any thread of the scan.
+// Who made an add-on airport: told by words in the path of its scenery file, or by the package's
+// manifest.json. Reads the reference database only; any thread of the scan.
 #pragma once
 
 #include <optional>

@@ -28,6 +28,7 @@ inline const fs::path learned = "airports/learned";
 inline const fs::path learnedStock = "airports/learned/stock";
 inline const fs::path learnedSimaddon = "airports/learned/simaddon";
 inline const fs::path learnedThirdparty = "airports/learned/thirdparty";
+inline const fs::path offlineLearning = "TBLO";
 inline const fs::path output = "output";
 inline const fs::path liveriesScanned = "output/LiveriesScanned.xml";
 inline const fs::path info = "output/info";

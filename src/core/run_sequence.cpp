@@ -8,6 +8,7 @@
 #include <system_error>
 #include <thread>
 
+#include "airports/addon_scan.h"
 #include "airports/airport_file.h"
 #include "airports/airport_index.h"
 #include "core/clock.h"
@@ -115,6 +116,11 @@ void lf_loadData() {
         gf_saveParameter(SCAN_LIVERIES);
     }
     gf_startLiveries();
+    if (!gf_stopping() && SCAN_AIRPORTS.value) {
+        g_panel.thirdpartyCount = g_panel.simaddonCount = 0;
+        gf_invalidate(Band::status);
+        lf_scanAirports();
+    }
     if (!gf_stopping()) {
         g_panel.thirdpartyCount = static_cast<uint64_t>(gf_countEntries(paths::myThirdparty));
         g_panel.simaddonCount = static_cast<uint64_t>(gf_countEntries(paths::mySimaddon));

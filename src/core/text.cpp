@@ -67,6 +67,11 @@ int gf_percent(int64_t part, int64_t whole) {
     return static_cast<int>(std::llround(static_cast<double>(part) * 100.0 / static_cast<double>(whole)));
 }
 
+size_t gf_countCharacters(std::string_view utf8) {
+    return static_cast<size_t>(std::count_if(
+        utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) >> 6) != 2; }));
+}
+
 std::string_view gf_plural(uint64_t count) {
     return count == 1 ? "" : "s";
 }

@@ -19,6 +19,8 @@ std::vector<std::string> gf_splitComma(std::string_view text);
 std::string gf_betweenQuotes(std::string_view text);
 /// part * 100 / whole to the nearest; 0 if whole is below 1.
 int gf_percent(int64_t part, int64_t whole);
+/// Characters of a UTF-8 text.
+size_t gf_countCharacters(std::string_view utf8);
 /// "s" for every count but 1.
 std::string_view gf_plural(uint64_t count);
 /// True when the first character is one of 1 t T y Y.

@@ -11,9 +11,11 @@
 #include "core/log.h"
 #include "core/messages.h"
 #include "core/run_state.h"
+#include "core/scan_pool.h"
 #include "core/text.h"
+#include "core/tree_walk.h"
+#include "liveries/cfg_file.h"
 #include "liveries/reference_db.h"
-#include "liveries/scan_pool.h"
 #include "liveries/scan_reports.h"
 
 namespace skl {
@@ -27,6 +29,9 @@ StringSet dontUseTitles;
 namespace {
 
 constexpr size_t longestPath = 249;  ///< characters
+constexpr size_t filesPerBatch = 32;
+
+using Pool = ScanPool<CfgFile, CfgYield>;
 
 StringSet titleSet;  ///< all titles of this scan; the first section that brings a title has it
 
@@ -48,101 +53,48 @@ bool contains(std::string_view text, std::string_view piece) {
     return text.find(piece) != std::string_view::npos;
 }
 
-size_t countCharacters(std::string_view utf8) {
-    return static_cast<size_t>(std::count_if(
-        utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) >> 6) != 2; }));
-}
-
-/// The failures of the walk, told apart by the messages that they give.
-struct IteratorProblem : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
+/// A failure of a worker, told apart from one of the walk by its message.
 struct CollectProblem : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-class Walk {
-  public:
-    Walk(ScanPool& pool, fs::path root) : pool_(pool), root_(std::move(root)) {}
+bool isAircraftCfg(std::string_view path) {
+    constexpr auto separator = static_cast<char>(fs::path::preferred_separator);
+    return gf_equalsUpper(path.substr(path.rfind(separator) + 1), "AIRCRAFT.CFG");
+}
 
-    void run() {
-        std::error_code error;
-        const fs::path canonical = fs::canonical(root_, error);
-        if (error) throw IteratorProblem(error.message());
-        entered_.insert(gf_pathText(canonical));
-        walkFolder(root_, canonical);
+void collectReady(Pool& pool) {
+    try {
+        CfgYield yield;
+        while (pool.takeReady(yield)) addYield(std::move(yield));
+    } catch (const std::exception& error) {
+        throw CollectProblem(error.what());
     }
-    /// The path of the entry that was last looked at.
-    const std::string& place() const { return place_; }
+}
 
-  private:
-    /// In the order of their names: so the same tree gives the same result on every file system.
-    static std::vector<fs::directory_entry> entriesOf(const fs::path& folder) {
-        std::error_code error;
-        std::vector<fs::directory_entry> entries;
-        fs::directory_iterator it(folder, error);
-        for (; !error && it != fs::directory_iterator(); it.increment(error)) entries.push_back(*it);
-        if (error) throw IteratorProblem(error.message());
-        std::sort(entries.begin(), entries.end(),
-                  [](const auto& a, const auto& b) { return a.path().native() < b.path().native(); });
-        return entries;
-    }
-
-    void walkFolder(const fs::path& folder, const fs::path& canonical) {
-        for (const auto& entry : entriesOf(folder)) {
-            if (gf_stopping()) return;
-            place_ = gf_pathText(entry.path());
-            std::error_code ignored;
-            if (isAircraftCfg(place_) && entry.is_regular_file(ignored)) {
-                const bool ivao = contains(place_, "ivao_x-csl") || contains(place_, "IVAO_MTL");
-                pool_.add({entry.path(), place_, ivao});
-                collectReady();
-            } else if (entry.is_directory(ignored) && !lf_skipPath(place_)) {
-                descend(entry, canonical);
-            }
-        }
-    }
-
-    /// Links are followed; a folder is entered once, so that a loop of links ends.
-    void descend(const fs::directory_entry& entry, const fs::path& canonicalParent) {
-        std::error_code error;
-        const fs::path canonical = entry.is_symlink(error) ? fs::canonical(entry.path(), error)
-                                                           : canonicalParent / entry.path().filename();
-        if (!error && entered_.insert(gf_pathText(canonical)).second) walkFolder(entry.path(), canonical);
-    }
-
-    static bool isAircraftCfg(std::string_view path) {
-        constexpr auto separator = static_cast<char>(fs::path::preferred_separator);
-        return gf_equalsUpper(path.substr(path.rfind(separator) + 1), "AIRCRAFT.CFG");
-    }
-
-    void collectReady() {
-        try {
-            CfgYield yield;
-            while (pool_.takeReady(yield)) addYield(std::move(yield));
-        } catch (const std::exception& error) {
-            throw CollectProblem(error.what());
-        }
-    }
-
-    ScanPool& pool_;
-    fs::path root_;
-    std::string place_;
-    StringSet entered_;
-};
+void addFile(Pool& pool, const fs::directory_entry& entry, const std::string& path) {
+    std::error_code ignored;
+    if (!isAircraftCfg(path) || !entry.is_regular_file(ignored)) return;
+    const bool ivao = contains(path, "ivao_x-csl") || contains(path, "IVAO_MTL");
+    pool.add({entry.path(), path, ivao});
+    collectReady(pool);
+}
 
 /// Everything that is ready goes in before a failure ends the walk.
-void walkTree(ScanPool& pool, const fs::path& folder) {
-    Walk walk(pool, folder);
+void walkTree(Pool& pool, const fs::path& folder) {
+    std::string place;
     try {
-        walk.run();
-    } catch (const IteratorProblem& problem) {
+        gf_walkTree(folder,
+                    {lf_skipPath, [&pool](const fs::directory_entry& entry,
+                                          const std::string& path) { addFile(pool, entry, path); }},
+                    place);
+    } catch (const TreeWalkProblem& problem) {
         gf_showError(fmt::format("liveries search in folder {} aborted because of iterator problem: {}",
                                  gf_pathText(folder), problem.what()));
     } catch (const CollectProblem& problem) {
         gf_showError(fmt::format("liveries search aborted, futs inner, {}", problem.what()));
     } catch (const std::exception& error) {
-        gf_showError(fmt::format("liveries search in {} aborted, cause: {}", walk.place(), error.what()));
+        gf_showError(fmt::format("liveries search in {} aborted, cause: {}", place, error.what()));
     }
 }
 
@@ -152,7 +104,7 @@ bool lf_skipPath(std::string_view path) {
     for (const char* word : {"airport", "lvfr", "mkstudios", "simwings", "fsdreamteam", "navigraph",
                              "flytampa", "inibuilds", "_CVT_"})
         if (contains(path, word)) return true;
-    return path.size() > longestPath && countCharacters(path) > longestPath;
+    return path.size() > longestPath && gf_countCharacters(path) > longestPath;
 }
 
 void gf_beginLiveryScan() {
@@ -162,12 +114,14 @@ void gf_beginLiveryScan() {
 }
 
 void gf_scanLiveryFolder(uint32_t priority, const fs::path& folder) {
-    ScanPool pool(workerLimit, [priority](const CfgFile& file, CfgText& buffer, CfgYield& yield) {
+    const auto search = [priority](const CfgFile& file, CfgYield& yield) {
+        thread_local CfgText buffer;  // working room, kept from file to file
         if (file.ivao)
             lf_searchIvaoFile(priority, file, buffer, yield);
         else
             lf_searchLiveriesinFile(priority, file, buffer, yield);
-    });
+    };
+    Pool pool(workerLimit, search, filesPerBatch);
     walkTree(pool, folder);
     try {
         pool.flush();

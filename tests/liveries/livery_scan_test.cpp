@@ -11,14 +11,17 @@
 #include "core/clock.h"
 #include "core/folders.h"
 #include "core/run_state.h"
+#include "core/scan_pool.h"
+#include "liveries/cfg_file.h"
 #include "liveries/reference_db.h"
-#include "liveries/scan_pool.h"
 #include "liveries/scan_reports.h"
 #include "panel/panel_state.h"
 #include "tests/support/temp_folder.h"
 
 namespace skl {
 namespace {
+
+using Pool = ScanPool<CfgFile, CfgYield>;
 
 using test::readFile;
 using test::writeFile;
@@ -240,9 +243,12 @@ TEST_F(LiveryScan, MissingFolderIsAnIteratorProblem) {
 TEST_F(LiveryScan, StopIsSeenAtEachFile) {
     std::atomic<int> worked{0};
     {
-        ScanPool pool(1, [&worked](const CfgFile&, CfgText&, CfgYield&) {
-            if (++worked == 5) gf_requestStop(ExitReason::newSettings, 0);
-        });
+        Pool pool(
+            1,
+            [&worked](const CfgFile&, CfgYield&) {
+                if (++worked == 5) gf_requestStop(ExitReason::newSettings, 0);
+            },
+            32);
         for (int i = 0; i < 100; ++i) pool.add({});
         pool.flush();
         CfgYield yield;
@@ -256,7 +262,8 @@ TEST_F(LiveryScan, StopIsSeenAtEachFile) {
 }
 
 TEST_F(LiveryScan, FailureOfAWorkerReachesTheTaker) {
-    ScanPool pool(2, [](const CfgFile&, CfgText&, CfgYield&) { throw std::runtime_error("broken"); });
+    Pool pool(
+        2, [](const CfgFile&, CfgYield&) { throw std::runtime_error("broken"); }, 1);
     pool.add({});
     pool.flush();
     CfgYield yield;
@@ -294,11 +301,14 @@ TEST_F(LiveryScan, HangingFileIsLeftBehind) {
     HastyClock clock;
     gf_setClock(&clock);
     {
-        ScanPool pool(1, [gate](const CfgFile&, CfgText&, CfgYield&) {
-            gate->set(&Gate::entered);
-            gate->wait(&Gate::open);
-            gate->set(&Gate::left);
-        });
+        Pool pool(
+            1,
+            [gate](const CfgFile&, CfgYield&) {
+                gate->set(&Gate::entered);
+                gate->wait(&Gate::open);
+                gate->set(&Gate::left);
+            },
+            1);
         pool.add({});
         pool.flush();
         gate->wait(&Gate::entered);

@@ -1,40 +1,80 @@
-#include "liveries/scan_pool.h"
+// The threads of a scan: files go in one by one, their yields come out in the order in which the files
+// went in, whatever the number of threads. One thread adds and takes; it also works when no thread could be
+// started.
+#pragma once
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
+#include <deque>
 #include <exception>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <system_error>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include "core/clock.h"
 #include "core/run_state.h"
 
 namespace skl {
 
-namespace {
+namespace scan_pool {
+inline constexpr Nanos patience = std::chrono::seconds(10);
+inline constexpr Nanos shortPatience = std::chrono::milliseconds(500);  ///< after a stop or a time-out
+inline constexpr std::chrono::milliseconds betweenLooks{10};
+}  // namespace scan_pool
 
-using std::chrono::milliseconds;
+template <class File, class Yield>
+class ScanPool {
+  public:
+    using Work = std::function<void(const File& file, Yield& yield)>;
 
-constexpr size_t filesPerBatch = 32;
-constexpr Nanos patience = std::chrono::seconds(10);
-constexpr Nanos shortPatience = milliseconds(500);  ///< after a stop or a time-out
-constexpr milliseconds betweenLooks{10};
+    /// A thread takes `filesPerBatch` files at a time: many where a file is little work.
+    ScanPool(int workers, Work work, size_t filesPerBatch);
+    /// Waits for the threads. One that hangs in a file is left behind; what it finds is thrown away.
+    ~ScanPool();
+    ScanPool(const ScanPool&) = delete;
+    ScanPool& operator=(const ScanPool&) = delete;
 
-}  // namespace
+    void add(File file);
+    /// No file follows: what was added last is handed out, too.
+    void flush();
+    /// Takes the oldest yield if it is ready. False: nothing is ready.
+    bool takeReady(Yield& yield);
+    /// Waits for the oldest yield. False: nothing is left, or a stop ended the wait. Throws
+    /// std::runtime_error when no file of it was finished for ten seconds, and what the work has thrown.
+    bool takeNext(Yield& yield);
 
-struct ScanPool::Batch {
-    std::vector<CfgFile> files;
-    CfgYield yield;
+  private:
+    struct Batch;
+    struct Shared;
+    bool take(Yield& yield);
+
+    std::shared_ptr<Shared> shared_;
+    std::vector<std::thread> threads_;
+    std::deque<std::shared_ptr<Batch>> waiting_;  ///< handed out and not taken, oldest first
+    std::vector<File> pending_;
+    size_t filesPerBatch_;
+    bool gaveUp_ = false;
+};
+
+template <class File, class Yield>
+struct ScanPool<File, Yield>::Batch {
+    std::vector<File> files;
+    Yield yield;
     std::exception_ptr failure;
     std::atomic<size_t> filesDone{0};
     bool ready = false;  ///< under Shared::lock
 };
 
 /// Owned by the pool and by each of its threads, so that a thread left behind still has it.
-struct ScanPool::Shared {
+template <class File, class Yield>
+struct ScanPool<File, Yield>::Shared {
     Work work;
     std::mutex lock;
     std::condition_variable somethingToDo, somethingDone;
@@ -44,10 +84,9 @@ struct ScanPool::Shared {
 
     void process(Batch& batch) {
         try {
-            CfgText buffer;
             for (const auto& file : batch.files) {
                 if (gf_stopping() || closed) break;
-                work(file, buffer, batch.yield);
+                work(file, batch.yield);
                 batch.filesDone.fetch_add(1);
             }
         } catch (...) {
@@ -84,13 +123,15 @@ struct ScanPool::Shared {
         std::unique_lock guard(lock);
         while (!done()) {
             if (expired()) return false;
-            somethingDone.wait_for(guard, betweenLooks);
+            somethingDone.wait_for(guard, scan_pool::betweenLooks);
         }
         return true;
     }
 };
 
-ScanPool::ScanPool(int workers, Work work) : shared_(std::make_shared<Shared>()) {
+template <class File, class Yield>
+ScanPool<File, Yield>::ScanPool(int workers, Work work, size_t filesPerBatch)
+    : shared_(std::make_shared<Shared>()), filesPerBatch_(filesPerBatch) {
     shared_->work = std::move(work);
     for (int i = 0; i < std::max(workers, 1); ++i) {
         // Counted before it starts, so that no thread can end uncounted.
@@ -105,7 +146,8 @@ ScanPool::ScanPool(int workers, Work work) : shared_(std::make_shared<Shared>())
     }
 }
 
-ScanPool::~ScanPool() {
+template <class File, class Yield>
+ScanPool<File, Yield>::~ScanPool() {
     {
         const std::lock_guard guard(shared_->lock);
         shared_->closed = true;
@@ -113,9 +155,12 @@ ScanPool::~ScanPool() {
         shared_->somethingToDo.notify_all();
     }
     const Nanos now = gf_steadyNow();
-    const bool ended = shared_->waitFor(
-        [this] { return shared_->running == 0; },
-        [this, now] { return gf_steadyNow() - now > (gaveUp_ || gf_stopping() ? shortPatience : patience); });
+    const bool ended = shared_->waitFor([this] { return shared_->running == 0; },
+                                        [this, now] {
+                                            return gf_steadyNow() - now > (gaveUp_ || gf_stopping()
+                                                                               ? scan_pool::shortPatience
+                                                                               : scan_pool::patience);
+                                        });
     for (auto& thread : threads_) {
         if (ended)
             thread.join();
@@ -124,23 +169,26 @@ ScanPool::~ScanPool() {
     }
 }
 
-void ScanPool::add(CfgFile file) {
+template <class File, class Yield>
+void ScanPool<File, Yield>::add(File file) {
     pending_.push_back(std::move(file));
-    if (pending_.size() >= filesPerBatch) flush();
+    if (pending_.size() >= filesPerBatch_) flush();
 }
 
-void ScanPool::flush() {
+template <class File, class Yield>
+void ScanPool<File, Yield>::flush() {
     if (pending_.empty()) return;
     auto batch = std::make_shared<Batch>();
     batch->files = std::exchange(pending_, {});
-    pending_.reserve(filesPerBatch);
+    pending_.reserve(filesPerBatch_);
     waiting_.push_back(batch);
     const std::lock_guard guard(shared_->lock);
     shared_->queue.push_back(std::move(batch));
     shared_->somethingToDo.notify_one();
 }
 
-bool ScanPool::take(CfgYield& yield) {
+template <class File, class Yield>
+bool ScanPool<File, Yield>::take(Yield& yield) {
     const auto batch = std::move(waiting_.front());
     waiting_.pop_front();
     if (batch->failure) std::rethrow_exception(batch->failure);
@@ -148,7 +196,8 @@ bool ScanPool::take(CfgYield& yield) {
     return true;
 }
 
-bool ScanPool::takeReady(CfgYield& yield) {
+template <class File, class Yield>
+bool ScanPool<File, Yield>::takeReady(Yield& yield) {
     if (waiting_.empty()) return false;
     {
         const std::lock_guard guard(shared_->lock);
@@ -157,7 +206,8 @@ bool ScanPool::takeReady(CfgYield& yield) {
     return take(yield);
 }
 
-bool ScanPool::takeNext(CfgYield& yield) {
+template <class File, class Yield>
+bool ScanPool<File, Yield>::takeNext(Yield& yield) {
     if (waiting_.empty()) return false;
     if (threads_.empty())
         while (const auto batch = shared_->next(false)) shared_->process(*batch);
@@ -172,7 +222,7 @@ bool ScanPool::takeNext(CfgYield& yield) {
                                                 seen = done;
                                                 lastProgress = now;
                                             }
-                                            return now - lastProgress > patience;
+                                            return now - lastProgress > scan_pool::patience;
                                         });
     if (gf_stopping()) return false;
     if (ready) return take(yield);
