@@ -12,6 +12,7 @@
 #include "liveries/category_report.h"
 #include "liveries/liveries_file.h"
 #include "liveries/livery_scan.h"
+#include "liveries/regcodes.h"
 #include "liveries/similar_types.h"
 #include "panel/panel_state.h"
 
@@ -79,6 +80,8 @@ void fillCatalogue() {
     g_panel.liveryCount = scannedLiveries.size();
     gf_invalidate(Band::status);
     fillViews(fillMaster());
+    gf_collectInlineRegcodes();
+    gf_applyOfflineRegcodes();
     gf_log(fmt::format("{} registration codes", regcodeToTitle.size()));
     gf_log(fmt::format("{} airlines, {} pax aircraft models and {} cargo aircraft models",
                        liveriesByAirline.size(), titlesByType[0].size(), titlesByType[1].size()));

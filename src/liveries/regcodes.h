@@ -15,15 +15,13 @@ struct RegcodeRow {
     bool special = false;  ///< not to be picked by chance for other aircraft
 };
 
-extern std::vector<std::string> dontUseTitles;
-
-/// Before the scan.
+/// Fills dontUseTitles. Before the scan.
 void gf_readDontUseTitles();
-/// After the catalogue exists.
+/// After the catalogue's titles are stored, while scannedLiveries holds them.
 void gf_collectInlineRegcodes();
 /// After gf_collectInlineRegcodes.
 void gf_applyOfflineRegcodes();
-/// The two readers append to `rows`; false if there were errors, which are told.
+/// The two readers append to `rows`; false if there were errors, which are logged. A bad row costs itself.
 bool gf_readAigRegcodes(std::vector<RegcodeRow>& rows);
 bool gf_readMyRegcodes(const std::filesystem::path& folder, std::vector<RegcodeRow>& rows);
 

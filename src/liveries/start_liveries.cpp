@@ -22,6 +22,7 @@
 #include "liveries/catalogue.h"
 #include "liveries/liveries_file.h"
 #include "liveries/livery_scan.h"
+#include "liveries/regcodes.h"
 #include "liveries/scan_reports.h"
 #include "panel/panel_state.h"
 
@@ -173,6 +174,7 @@ void gf_selectLiveryFolders(std::vector<std::string>& folders) {
 bool gf_scanLiveries(const std::vector<std::string>& folders) {
     gf_beginLiveryScan();
     removeLastReports();
+    gf_readDontUseTitles();
     scanFolders(folders);
     if (gf_stopping()) return true;
     if (scannedLiveries.empty()) {

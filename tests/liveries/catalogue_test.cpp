@@ -103,7 +103,7 @@ TEST_F(Catalogue, ManualScanToTables) {
     for (const char* line :
          {"liveries scan manual starts", "2 liveries found in one", "missing does not exist, skipped!",
           "afile is not a folder name, skipped!", "2 liveries found in TWO\\sub", "4 in total",
-          "liveries scan ends", "0 registration codes",
+          "liveries scan ends", "1 registration codes",
           "2 airlines, 1 pax aircraft models and 1 cargo aircraft models",
           "Category Large: 3 pax liveries and 1 cargo liverie", "Category Heavy: No livery found"})
         EXPECT_TRUE(test::logHas(line)) << line;
