@@ -3,12 +3,16 @@
 # airport's stands, RealTraffic played from a recording on the real ports, and the program between them. Installs and
 # builds what is missing first.
 #
-#   ./demo.sh [--seconds N] [--random 0|1] [--parked N] [--feed FILE --at LAT,LON [--site DIR]] [--keep DIR]
+#   ./demo.sh [--seconds N] [--random 0|1] [--parked N] [--start "Mon 07:30"] [--visits N] [--screenshot FILE]
+#             [--feed FILE --at LAT,LON [--site DIR]] [--keep DIR]
 #
-# --seconds  how long traffic is shown, 900 by default
+# --seconds  how long traffic is shown, 900 by default; with 1300 the parked aircraft are renewed once, too
 # --random   whether the program may choose by chance, 1 by default; with 0 two runs end on the same stands
-# --parked   most aircraft that only stand, out of the airport's history; 0 by default, since the stories are told
-#            without them
+# --parked   the most aircraft that stand, live ones included, 100 by default; 0: none that only stands
+# --start    the weekday and time (UTC) at which the run begins, now by default
+# --visits   so many runs one after the other with the same data: each knows more stands than the one before
+# --screenshot  runs on a screen without a monitor and keeps a picture of the control panel while traffic flies; without
+#            it the panel opens where there is a screen
 # --feed     a recording of your own in place of the generated one, --at the user's place for it (elevation 1416 ft
 #            by --elevation), --site a folder with downloads/MSFS/archive/stock/<code>.xml for its airport
 # --keep     a folder that gets the log, the trace, the recording and the reports
@@ -21,7 +25,10 @@ root=$PWD
 
 seconds=900
 random=1
-parked=0
+parked=100
+start=
+visits=1
+screenshot=
 feed=
 at=51.4706,-0.4619
 elevation=83
@@ -33,12 +40,15 @@ while [ $# -gt 0 ]; do
         --seconds) seconds=$2; shift 2 ;;
         --random) [[ $2 == [01] ]] || { echo "--random takes 0 or 1" >&2; exit 2; }; random=$2; shift 2 ;;
         --parked) parked=$2; shift 2 ;;
+        --start) start=$2; shift 2 ;;
+        --visits) visits=$2; shift 2 ;;
+        --screenshot) screenshot=$(realpath "$2"); shift 2 ;;
         --site) site_root=$(realpath "$2"); shift 2 ;;
         --feed) feed=$(realpath "$2"); shift 2 ;;
         --at) at=$2; shift 2 ;;
         --elevation) elevation=$2; shift 2 ;;
         --keep) mkdir -p "$2"; keep=$(realpath "$2"); shift 2 ;;
-        -h | --help) sed -n '2,19p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+        -h | --help) sed -n '2,24p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
         *) echo "unknown option $1, see --help" >&2; exit 2 ;;
     esac
 done
@@ -57,14 +67,21 @@ export XDG_CONFIG_HOME=$world/config XDG_DATA_HOME=$world/data XDG_RUNTIME_DIR=$
 mkdir -p "$XDG_CONFIG_HOME/InsideSystems" "$XDG_CONFIG_HOME/Skylantern"
 touch "$XDG_CONFIG_HOME/InsideSystems/RealTraffic.jar"
 python3 demo/make_community.py "$world/packages" >/dev/null
+if [ -z "$feed" ]; then
+    # Two add-on airports, and a livery that the user wants for one aircraft.
+    python3 demo/make_scenery.py "$world/packages"
+    mkdir -p "$world/run/input/my_regcodes"
+    echo "AI A320 British Airways;G-EUUK,G-EUUA" >"$world/run/input/my_regcodes/mine.txt"
+fi
 cat >"$XDG_CONFIG_HOME/Skylantern/parameters.xml" <<XML
 <?xml version="1.0"?>
 <parameters>
 	<parameter name="PROGRAM_VERSION" value="11.0.3" />
 	<parameter name="MSFS_INSTALL_PATH" value="$world/packages" />
 	<parameter name="AUTO_RANGE" value="false" />
-	<parameter name="SCAN_AIRPORTS" value="false" />
+	<parameter name="SCAN_AIRPORTS" value="$([ -z "$feed" ] && echo true || echo false)" />
 	<parameter name="MAX_PARK_SEL" value="$parked" />
+	<parameter name="COLLISION_LIVE_PARKED_GND" value="true" />
 	<parameter name="RANDOM" value="$([ "$random" = 1 ] && echo true || echo false)" />
 </parameters>
 XML
@@ -78,31 +95,67 @@ fi
 if [ -z "$site_root" ]; then
     site_root=$world/site
     python3 demo/make_airports.py "$site_root" >/dev/null
+    # Newer data than what the program comes with: fetched at the first start.
+    cp "$build/stage/input/dbase.enc" "$build/stage/input/AIG-regcodes.enc" "$site_root/downloads/"
+    echo '{"dbase": {"major": 1, "minor": 0, "patch": 1}, "aig": {"major": 1, "minor": 0, "patch": 1}}' \
+        >"$site_root/downloads/versions.json"
 fi
 
-cd "$world/run"
-"$build/site" --root "$site_root" --port "$site_port" >"$world/site.json" &
-site=$!
-for _ in $(seq 50); do
-    grep -q listening "$world/site.json" && break
-    sleep 0.1
-done
-grep -q listening "$world/site.json" || { echo "the data site does not start on port $site_port" >&2; exit 1; }
-"$build/simulator" --port 2048 --lat "${at%,*}" --lon "${at#*,}" --alt "$elevation" --on-ground 1 --fps 30 \
-    --elevation "$elevation" --trace "$world/trace.jsonl" --feed "$feed" >"$world/simulator.json" &
-simulator=$!
-./skylantern &
-program=$!
-"$build/realtraffic" --feed "$feed" --qnh 1013 >"$world/realtraffic.json" &
-traffic=$!
+# All programs of a run with another start live in the same shifted time; how fast it goes stays as it is.
+at_start=()
+if [ -n "$start" ]; then
+    tools/install_packages.sh faketime
+    shift_seconds=$(python3 demo/seconds_until.py "$start")
+    at_start=(env DONT_FAKE_MONOTONIC=1 faketime -m -f "+${shift_seconds}s")
+fi
 
-# Traffic is shown 30 s after it was flown, and the start takes about as long; the last ones need some seconds to settle.
-end=$((SECONDS + seconds + 75))
-while [ $SECONDS -lt $end ] && kill -0 $program 2>/dev/null; do sleep 1; done
-kill -TERM $program 2>/dev/null || true
-wait $program || echo "the program ended with status $?"
-kill -TERM $traffic $simulator $site 2>/dev/null || true
-wait $traffic $simulator $site || true
+if [ -n "$screenshot" ]; then
+    Xvfb ":$$" -screen 0 880x476x24 -noreset -nolisten tcp >/dev/null 2>&1 &
+    export DISPLAY=":$$"
+    sed -i '/<\/parameters>/i\	<parameter name="MAIN_WINDOW_X" value="0" />\n\t<parameter name="MAIN_WINDOW_Y" value="0" />' \
+        "$XDG_CONFIG_HOME/Skylantern/parameters.xml"
+fi
+
+run() {
+    cd "$world/run"
+    "${at_start[@]}" "$build/site" --root "$site_root" --port "$site_port" >"$world/site.json" &
+    site=$!
+    for _ in $(seq 50); do
+        grep -q listening "$world/site.json" && break
+        sleep 0.1
+    done
+    grep -q listening "$world/site.json" || { echo "the data site does not start on port $site_port" >&2; exit 1; }
+    "${at_start[@]}" "$build/simulator" --port 2048 --lat "${at%,*}" --lon "${at#*,}" --alt "$elevation" --on-ground 1 \
+        --fps 30 --elevation "$elevation" --trace "$world/trace.jsonl" --feed "$feed" >"$world/simulator.json" &
+    simulator=$!
+    "${at_start[@]}" ./skylantern &
+    program=$!
+    "${at_start[@]}" "$build/realtraffic" --feed "$feed" --qnh 1013 --linger $((seconds + 120)) >"$world/realtraffic.json" &
+    traffic=$!
+
+    # Traffic is shown 30 s after it was flown, and the start takes about as long; the last ones need some seconds to
+    # settle.
+    end=$((SECONDS + seconds + 75))
+    picture=$((SECONDS + (seconds < 300 ? seconds : 300)))
+    while [ $SECONDS -lt $end ] && kill -0 $program 2>/dev/null; do
+        sleep 1
+        if [ -n "$screenshot" ] && [ $SECONDS -ge $picture ]; then
+            import -window root "$screenshot"
+            picture=$((end + 1))
+        fi
+    done
+    kill -TERM $program 2>/dev/null || true
+    wait $program || echo "the program ended with status $?"
+    kill -TERM $traffic $simulator $site 2>/dev/null || true
+    wait $traffic $simulator $site || true
+    cd "$root"
+}
+
+for visit in $(seq "$visits"); do
+    [ "$visits" -eq 1 ] || echo "Visit $visit of $visits"
+    run
+    [ "$visits" -eq 1 ] || python3 demo/known_options.py "$world/run"
+done
 
 cd "$root"
 if [ -n "$keep" ]; then

@@ -102,12 +102,12 @@ def element(name, attributes, end="/>"):
     return f"<{name} " + " ".join(f"{key}={quoteattr(value)}" for key, value in attributes.items()) + end
 
 
-def document(plan, fleet, own):
+def document(plan, fleet, own, publisher):
     rows = {stand.name: list(options_of(stand, fleet, own)) for stand in plan.stands.values()}
-    parameters = {"airport_name": plan.name, "publisher": "stock", "altitude": plan.elevation,
+    parameters = {"airport_name": plan.name, "publisher": publisher, "altitude": plan.elevation,
                   "num_parkpos": len(plan.stands), "Qf_real": quality(list(rows.values())), "Qf_soft": -1,
                   "RT_traffic_week": plan.week}
-    lines = ['<?xml version="1.0" encoding="utf-8"?>', "<meta>", '\t<info name="content" value="stock airport file" />',
+    lines = ['<?xml version="1.0" encoding="utf-8"?>', "<meta>", '\t<info name="content" value="airport file" />',
              "</meta>", "<parameters>"]
     lines += ["\t" + element("parameter", {"name": name, "value": str(value)}) for name, value in parameters.items()]
     lines += ["</parameters>", "<parkpositions>"]
@@ -128,15 +128,16 @@ def main():
     parser.add_argument("--flights", type=Path, default=here / "flights" / "heathrow.txt")
     parser.add_argument("--plans", type=Path, default=here / "airports")
     args = parser.parse_args()
-    folder = args.root / "downloads" / "MSFS" / "archive" / "stock"
-    folder.mkdir(parents=True, exist_ok=True)
     fleet = Fleet()
     try:
         scene = flight_file.read(args.flights)
         for path in sorted(args.plans.glob("*.txt")):
             plan = airport_plan.read(path)
             own = own_options(scene.flights) if plan.code == scene.plan.code else {}
-            (folder / f"{plan.code}.xml").write_text(document(plan, fleet, own), encoding="utf-8")
+            for publisher in ("stock", "simaddon"):
+                folder = args.root / "downloads" / "MSFS" / "archive" / publisher
+                folder.mkdir(parents=True, exist_ok=True)
+                (folder / f"{plan.code}.xml").write_text(document(plan, fleet, own, publisher), encoding="utf-8")
             print(f"{plan.code}: {len(plan.stands)} stands")
     except (flight_file.Complaint, airport_plan.Complaint, OSError) as complaint:
         sys.exit(str(complaint))

@@ -4,7 +4,7 @@ from dataclasses import dataclass, field
 
 MOVED = 1e-6    # degrees
 SETTLED = 6.0   # seconds from the creation of an object that stands to its first pose
-CLOSING = 5.0   # the program takes everything away when it ends, which is no removal of a flight
+CLOSING = 5.0   # the program takes everything away when it ends, one after the other: no removal of a flight
 
 
 @dataclass
@@ -22,6 +22,7 @@ class Sky:
         """`standing` are the tails that begin on the ground: they count from their creation on."""
         self.created, self.titles, self.moving, self.paths, self.end = {}, {}, {}, {}, 0.0
         self._watched, self._standing = set(watched), set(standing)
+        self._removals = []  # times, ascending
         self._alive = {}  # object id: [tail, place at creation, when it first moved, its Path or None]
         with open(path, encoding="utf-8") as trace:
             for line in trace:
@@ -32,9 +33,11 @@ class Sky:
                 self._take(entry)
         for record in self._alive.values():
             self._close(record, self.end)
+        closing = self._closing()
         for path in (path for paths in self.paths.values() for path in paths):
-            if path.removed is not None and path.removed > self.end - CLOSING:
+            if path.removed is not None and path.removed >= closing:
                 path.removed = None
+        self.statics = sum(len(times) for tail, times in self.created.items() if tail.endswith("*"))
 
     def _take(self, entry):
         kind, oid, utc = entry["op"], entry["oid"], entry["utc"]
@@ -58,9 +61,19 @@ class Sky:
                 path.poses.append((utc, entry["lat"], entry["lon"], entry["alt"], entry["hdg"]))
         elif kind == "remove" and oid in self._alive:
             record = self._alive.pop(oid)
+            self._removals.append(utc)
             if record[3] is not None:
                 record[3].removed = utc
             self._close(record, utc)
+
+    def _closing(self):
+        """When the removals began that follow each other without a pause up to the end of the trace."""
+        begin = self.end
+        for utc in reversed(self._removals):
+            if utc < begin - CLOSING:
+                break
+            begin = min(begin, utc)
+        return begin
 
     def _close(self, record, utc):
         tail, _, moved, _ = record

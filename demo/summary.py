@@ -82,11 +82,11 @@ def tell_shown(expected, sky, began, speed, verdicts):
     for tail in stayed:
         print(f"  stayed long   {tail}, beyond its last report and prediction")
     admitted = {flight["callsign"] for flight in expected["flights"] if flight["admitted"]}
-    for tail in sorted(set(sky.created) - admitted):
+    for tail in sorted(tail for tail in set(sky.created) - admitted if not tail.endswith("*")):
         print(f"  unexpected    {tail or '(no tail)'} as {sky.titles[tail]}")
     spans = {flight["callsign"]: len(flight["spans"]) for flight in expected["flights"]}
     for tail, times in sorted(sky.created.items()):
-        if len(times) > max(1, spans.get(tail, 0)):
+        if not tail.endswith("*") and len(times) > max(1, spans.get(tail, 0)):
             print(f"  again         {tail}, created {len(times)} times")
     return got_object and active_enough
 
@@ -99,6 +99,27 @@ def tell_liveries(log):
             steps[int(match.group(1))] = steps.get(int(match.group(1)), 0) + 1
     parts = ", ".join(f"step {step}: {steps[step]}" for step in sorted(steps)) or "none"
     print(f"Liveries        {sum(steps.values())} matched; {parts}")
+
+
+def tell_start(log):
+    """What the start has fetched and found."""
+    updates = [line for line in log if re.fullmatch(r"\w+ (updated to \S+|version up-to-date)", line)]
+    print(f"Updates         {', '.join(updates) or 'none'}")
+    codes = [line for line in log if re.match(r"\d+ registration codes", line)]
+    read = [line for line in log if line.startswith("Airport file read from")]
+    print(f"  data          {(codes + ['no catalogue'])[0]}; {(read + ['no airport file'])[0]}")
+    print(f"  add-ons       {'scanned' if any('airports scan ends' in line for line in log) else 'not scanned'}")
+
+
+def tell_statics(log, sky):
+    """What stood, and what the visit has taught; the counts of the program beside that of the simulator."""
+    text = "\n".join(log)
+    counts = re.search(r"Static aircraft: (\d+) placed, (\d+) kept and (\d+) replaced at renewals, (\d+) made way", text)
+    placed, kept, replaced, made_way = (int(count) for count in counts.groups()) if counts else (0, 0, 0, 0)
+    learned = sum(int(count) for count in re.findall(r" saved with (\d+) updates", text))
+    print(f"Static aircraft {placed} placed ({sky.statics} created in the simulator), {kept} kept and {replaced} replaced "
+          f"at renewals, {made_way} made way for live ones")
+    print(f"  learned       {learned} options and changes of stands")
 
 
 def tell_motion(motion, generated, verdicts):
@@ -182,7 +203,9 @@ def main():
     standing = {flight["callsign"] for flight in expected["flights"] if flight.get("standing")}
     sky, verdicts = Sky(args.trace, {story["callsign"] for story in stories}, standing), Verdicts()
     shown = tell_shown(expected, sky, began, speed, verdicts)
+    tell_start(log)
     tell_liveries(log)
+    tell_statics(log, sky)
     tell_motion(simulator["motion"], args.expected is not None, verdicts)
     ground_summary.tell(simulator["motion"], args.expected is not None, verdicts)
     tell_log(expected, log, began, speed, sky.end, verdicts)

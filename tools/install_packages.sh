@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# Installs what building and testing need, from Debian's packages, where it is missing.
+# Installs what building and testing need, from Debian's packages, where it is missing; with names, those instead.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build ccache pkg-config python3
           libfmt-dev nlohmann-json3-dev libpugixml-dev libsodium-dev libcurl4-openssl-dev libzip-dev libgtest-dev libbenchmark-dev
           libfltk1.3-dev libx11-dev fonts-liberation xvfb xauth xdotool x11-apps imagemagick)
+[ $# -eq 0 ] || packages=("$@")
 
 missing=()
 for package in "${packages[@]}"; do

@@ -71,6 +71,15 @@ void sayNewFlight() {
     gf_waitUntil(gf_steadyNow() + std::chrono::seconds(10), [] { return g_userClosing.load(); });
 }
 
+/// What became of the aircraft that only stand, once an airport had any.
+void logStatics() {
+    const auto& c = engineCounters;
+    if (c.staticsPlaced == 0) return;
+    gf_log(fmt::format("Static aircraft: {} placed, {} kept and {} replaced at renewals, {} made way",
+                       c.staticsPlaced.load(), c.staticsKept.load(), c.staticsReplaced.load(),
+                       c.staticsMadeWay.load()));
+}
+
 void closeRun() {
     gf_log(fmt::format("Exiting: {}", gf_exitReasonText(g_exitReason)));
     {
@@ -82,6 +91,7 @@ void closeRun() {
     if (g_exitReason == ExitReason::systemError) holdError();
     lf_rememberUserStand();
     if (gf_airportInSight()) lf_leaveParkAirport();
+    logStatics();
     liveryMemory.clear();
     gf_removeFlightPlanFolder();
     clearText(DESTINATION);
