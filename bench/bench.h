@@ -27,6 +27,8 @@ Rows frameFlushRows();
 Rows liveryScanRows();
 Rows coldStartRows();
 Rows matchRows();
+Rows regcodeRows();
+Rows bglScanRows();
 Rows airportFileRows();
 Rows parkingRows();
 Rows panelRows();

@@ -30,6 +30,8 @@ constexpr Measurement measurements[] = {{"decode", decodeRows},
                                         {"scan", liveryScanRows},
                                         {"cold start", coldStartRows},
                                         {"match", matchRows},
+                                        {"registration rows", regcodeRows},
+                                        {"scenery", bglScanRows},
                                         {"airport file", airportFileRows},
                                         {"parking", parkingRows},
                                         {"panel", panelRows}};

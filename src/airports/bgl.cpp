@@ -85,6 +85,21 @@ bool walkRecords(const Words& words, uint64_t begin, uint64_t end, const std::st
     return true;
 }
 
+/// Whether one of the sections is of airports; the file stands behind its header.
+bool tableNamesAirports(std::ifstream& file, uint64_t sections) {
+    std::vector<uint32_t> table;
+    while (sections > 0) {
+        const uint64_t count = std::min<uint64_t>(sections, sectionsAtOnce);
+        table.resize(count * sectionWords);
+        const auto bytes = static_cast<std::streamsize>(count * sectionSize);
+        if (!file.read(reinterpret_cast<char*>(table.data()), bytes)) return false;
+        for (uint64_t i = 0; i < count; ++i)
+            if (table[i * sectionWords] == airportSection) return true;
+        sections -= count;
+    }
+    return false;
+}
+
 Words readWords(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary | std::ios::ate);
     if (!file) return {};
@@ -117,22 +132,12 @@ bool lf_hasAirportSection(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     std::array<uint32_t, headerWords> header{};
     if (!file.read(reinterpret_cast<char*>(header.data()), headerSize)) return false;
-    uint64_t left = header[sectionCountWord];
+    const uint64_t sections = header[sectionCountWord];
+    if (!tableNamesAirports(file, sections)) return false;
+    // Asked last, since most files have no airports.
     std::error_code error;
     const uint64_t size = std::filesystem::file_size(path, error);
-    if (left == 0 || error || size <= headerSize + uint64_t{sectionSize} * left) return false;
-    std::vector<uint32_t> table;
-    while (left > 0) {
-        const uint64_t count = std::min<uint64_t>(left, sectionsAtOnce);
-        table.resize(count * sectionWords);
-        if (!file.read(reinterpret_cast<char*>(table.data()),
-                       static_cast<std::streamsize>(count * sectionSize)))
-            return false;
-        for (uint64_t i = 0; i < count; ++i)
-            if (table[i * sectionWords] == airportSection) return true;
-        left -= count;
-    }
-    return false;
+    return !error && size > headerSize + uint64_t{sectionSize} * sections;
 }
 
 void lf_processBGLfile(const std::filesystem::path& path) {

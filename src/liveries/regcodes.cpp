@@ -12,6 +12,7 @@
 #include "distribution/stream_cipher.h"
 #include "liveries/catalogue.h"
 #include "liveries/livery_scan.h"
+#include "liveries/scan_reports.h"
 
 namespace skl {
 
@@ -43,16 +44,6 @@ class TitleIndex {
 bool userFilesThere() {
     std::error_code error;
     return fs::is_directory(paths::myRegcodes, error) && !fs::is_empty(paths::myRegcodes, error);
-}
-
-bool writeReport(const Lines& lines, const fs::path& path) {
-    std::string text;
-    for (const std::string& line : lines) text += line + '\n';
-    std::error_code error;  // tells itself when the file is written
-    fs::create_directories(path.parent_path(), error);
-    if (gf_writeText(text, path, false)) return true;
-    gf_logError(fmt::format("could not write {}", gf_pathText(path)));
-    return false;
 }
 
 size_t banTitles(const std::vector<RegcodeRow>& rows) {
@@ -173,9 +164,9 @@ void gf_collectInlineRegcodes() {
             clashes.push_back(fmt::format("{} '{}' => already in use by '{}'", livery.regcode, livery.title,
                                           entry->second));
     }
-    if (!clashes.empty() && writeReport(clashes, inlineReport))
-        gf_log(
-            fmt::format("{} in-line regcode clashes, see '{}'", clashes.size(), gf_pathText(inlineReport)));
+    if (clashes.empty()) return;
+    lf_writeReport(clashes, inlineReport);
+    gf_log(fmt::format("{} in-line regcode clashes, see '{}'", clashes.size(), gf_pathText(inlineReport)));
 }
 
 void gf_applyOfflineRegcodes() {
@@ -185,9 +176,11 @@ void gf_applyOfflineRegcodes() {
     if (userFilesThere()) applyUserFiles(titles, report);
     std::error_code error;
     fs::remove(offlineReportPath, error);
-    if (!report.empty() && writeReport(report, offlineReportPath))
+    if (!report.empty()) {
+        lf_writeReport(report, offlineReportPath);
         gf_log(fmt::format("Offline regcode files processed, results can be found in '{}'",
                            gf_pathText(offlineReportPath)));
+    }
     if (!specialTitles.empty()) gf_log(fmt::format("{} special liveries", specialTitles.size()));
 }
 

@@ -50,16 +50,20 @@ void writeReport(const ReportKind& kind) {
     std::sort(lines.begin(), lines.end());
     if (kind.uniqueLines) lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
     const fs::path& folder = kind.isError ? paths::errors : paths::info;
-    std::error_code ignored;  // the writing tells of a folder that cannot be made
-    fs::create_directories(folder, ignored);
     const fs::path path = folder / kind.file;
-    std::string text;
-    for (const auto& line : lines) text.append(line).append("\n");
-    if (!gf_writeText(text, path, false)) gf_logError(fmt::format("could not write {}", gf_pathText(path)));
+    lf_writeReport(lines, path);
     gf_log(fmt::format(fmt::runtime(kind.summary), lines.size(), gf_plural(lines.size()), gf_pathText(path)));
 }
 
 }  // namespace
+
+void lf_writeReport(const Lines& lines, const fs::path& path) {
+    std::error_code ignored;  // the writing tells of a folder that cannot be made
+    fs::create_directories(path.parent_path(), ignored);
+    std::string text;
+    for (const auto& line : lines) text.append(line).append("\n");
+    if (!gf_writeText(text, path, false)) gf_logError(fmt::format("could not write {}", gf_pathText(path)));
+}
 
 void ScanReports::append(ScanReports&& other) {
     for (const auto& kind : kinds) {

@@ -2,7 +2,7 @@
 // worker fills lists of its own; the walker joins them.
 #pragma once
 
-#include <array>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -20,6 +20,9 @@ struct ScanReports {
 
 /// The reports of the scan under way, on the walker's thread.
 extern ScanReports scanReports;
+
+/// Writes the lines into a file in one step, making its folder; a failure is a log line.
+void lf_writeReport(const std::vector<std::string>& lines, const std::filesystem::path& path);
 
 /// The files of the last scan that the next one removes, relative to the working folder.
 std::vector<std::string> lf_staleReportFiles();

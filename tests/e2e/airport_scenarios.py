@@ -1,5 +1,11 @@
 """The airport in sight, its files and the data site, with whole processes. Scenarios as in scenarios.py."""
+import json
+import shutil
+import subprocess
+import sys
 import tempfile
+
+from harness import ROOT
 
 LIST = "airports/my_park_airports.txt"
 LEARNED = "airports/learned/stock/EGLL.xml"
@@ -122,3 +128,42 @@ def register(scenario, feed_line, stop_and_check):
         world.wait_for_log("no airport file found")
         world.check("Flight not running" not in world.log(), "the flight goes on")
         stop_and_check(world, program)
+
+    @scenario
+    def the_first_start_fetches_and_scans(world):
+        """Newer data comes, an add-on airport is linked and one generated; the second start does neither again."""
+        subprocess.run([sys.executable, str(ROOT / "demo" / "make_scenery.py"), str(world.packages)], check=True)
+        site = serve(world, airport_file())
+        downloads = world.folder / "site" / "downloads"
+        simaddon = downloads / "MSFS" / "archive" / "simaddon"
+        simaddon.mkdir()
+        (simaddon / "EGLL.xml").write_text(airport_file().replace('"stock"', '"simaddon"'))
+        for name in ("dbase.enc", "AIG-regcodes.enc"):
+            shutil.copy(world.run_folder / "input" / name, downloads / name)
+        (world.run_folder / "input" / "dbase.enc").write_bytes(b"old")
+        version = {"major": 1, "minor": 2, "patch": 3}
+        (downloads / "versions.json").write_text(json.dumps({"dbase": version, "aig": version}))
+        world.settings["SCAN_AIRPORTS"] = "true"
+        world.write_parameters()
+        world.simulator()
+        program = world.program()
+        world.wait_for_log("Waiting for RealTraffic")
+        for line in ("dbase updated to 1.2.3", "aig updated to 1.2.3", "Airports scan successful"):
+            world.check(line in world.log(), line)
+        airports = world.run_folder / "airports"
+        world.check((airports / "my_simaddon" / "EGLL.txt").read_text() == "archive/simaddon/EGLL.xml\n", "the link")
+        world.check((airports / "my_thirdparty" / "EGWU.xml").exists(), "the generated file")
+        world.real_traffic(standing(feed_line))
+        world.wait_for_log("Airport file read from 'archive/simaddon/EGLL.xml'")
+        stop_and_check(world, program)
+        program = world.program("again")
+        world.wait_for(lambda: (world.run_folder / "Log0.txt").exists(), "a new log")
+        world.wait_for_log("Waiting for RealTraffic")
+        for line in ("dbase version up-to-date", "aig version up-to-date"):
+            world.check(line in world.log(), line)
+        world.check("airports scan" not in world.log(), "no second scan")
+        stop_and_check(world, program)
+        site.signal()
+        site.wait()
+        paths = site.report()["paths"]
+        world.check(paths["/downloads/dbase.enc"] == {"200": 1}, f"one fetch of the database: {paths}")
