@@ -6,6 +6,7 @@
 #   ./fuzz.sh TARGET|all MINUTES
 set -euo pipefail
 cd "$(dirname "$0")"
+root=$PWD
 [ $# -eq 2 ] || { sed -n '2,7p' "$0" | sed 's/^# \{0,1\}//'; exit 2; }
 tools/install_packages.sh
 dpkg-query -W -f='${Status}' clang-16 2>/dev/null | grep -q 'install ok installed' ||
@@ -19,7 +20,7 @@ for target in $targets; do
     mkdir -p "build/fuzz/found/$target"
     echo "$target for $2 minutes"
     (cd build/fuzz && fuzz/fuzz_"$target" -max_total_time=$(($2 * 60)) -max_len=65536 -timeout=5 -rss_limit_mb=1024 \
-        -print_final_stats=1 "found/$target" "../../fuzz/corpus/$target" >"$target.log" 2>&1) ||
+        -print_final_stats=1 "$PWD/found/$target" "$root/fuzz/corpus/$target" >"$target.log" 2>&1) ||
         { tail -n 40 "build/fuzz/$target.log"; exit 1; }
     grep -a "stat::number_of_executed_units\|stat::peak_rss_mb" "build/fuzz/$target.log"
 done
