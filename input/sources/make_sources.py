@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes dbase.xml, airports_msfs.xml and airports_msfs_names.xml beside this script.
+"""Makes dbase.xml, AIG-regcodes.xml, airports_msfs.xml and airports_msfs_names.xml beside this script.
 
 The text files beside it hold what we know ourselves; the long lists come from three public tables:
   TYPES.csv     designator,description,wake     ICAO type designators (L2J: landplane, two engines, jet)
@@ -22,6 +22,7 @@ NO_AIRCRAFT = {"BALL", "DRON", "EMER", "FFLO", "GND", "PARA", "SERV", "SHIP", "T
 NO_AIRLINE = {"RFO"}
 
 problems = []
+fleet_types = {}  # by registration
 
 
 def rows(name):
@@ -64,7 +65,6 @@ def expand(word):
 
 def read_fleets(types, airlines):
     records = []
-    seen = set()
     for line in rows("fleets.txt"):
         airline, head, *words = line.split()
         cargo = head.endswith("!")
@@ -72,9 +72,9 @@ def read_fleets(types, airlines):
         check(types, [kind], "fleets.txt")
         check(airlines, [airline] + ([operator] if operator else []), "fleets.txt")
         for reg in (reg for word in words for reg in expand(word)):
-            if reg in seen:
+            if reg in fleet_types:
                 problems.append(f"fleets.txt: {reg} stands twice")
-            seen.add(reg)
+            fleet_types[reg] = kind
             attributes = {"reg": reg, "airl": airline, "type": kind}
             if operator:
                 attributes["opr"] = operator
@@ -157,6 +157,28 @@ def make_dbase(type_rows, airline_rows):
     return lines
 
 
+def make_regcodes():
+    """The ties of registrations to liveries; every title of ours has the type as its second word."""
+    lines = ['<?xml version="1.0" encoding="UTF-8"?>',
+             "<!-- Made by make_sources.py: change regcodes.txt, which tells where this comes from, and make it anew. -->",
+             "<AIG-regcodes>"]
+    seen = set()
+    for line in rows("regcodes.txt"):
+        head, _, words = line.partition(":")
+        title = head.lstrip("! ").strip()
+        regs = [reg for word in words.split() for reg in expand(word)]
+        for reg in regs:
+            if fleet_types.get(reg) != title.split()[1]:
+                problems.append(f"regcodes.txt: {reg} of '{title}' is not in fleets.txt, or of another type")
+        problems.extend(f"regcodes.txt: {name} stands twice" for name in (title, *regs) if name in seen)
+        seen.update((title, *regs))
+        attributes = {"title": title, "reg": ",".join(regs)}
+        if head.startswith("!"):
+            attributes["special"] = "true"
+        lines.append("  " + element("livery", **attributes))
+    return lines + ["</AIG-regcodes>"]
+
+
 def make_airports(airport_rows):
     head = '<?xml version="1.0" encoding="UTF-8"?>'
     index, names = [head, "<airports>"], [head, "<AirportNames>"]
@@ -182,6 +204,7 @@ def main():
             return list(csv.DictReader(file))
 
     made = {"dbase.xml": make_dbase(table(args.types), table(args.airlines))}
+    made["AIG-regcodes.xml"] = make_regcodes()  # behind the fleets, which it looks up
     made["airports_msfs.xml"], made["airports_msfs_names.xml"] = make_airports(table(args.airports))
     if problems:
         sys.exit("\n".join(problems))

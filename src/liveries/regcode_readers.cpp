@@ -70,6 +70,15 @@ void readLine(const std::string& line, const std::string& path, std::vector<Regc
     rows.push_back({fields[0], std::move(regs), fields.size() == 3 && fields[2] == specialMark});
 }
 
+void readFile(const fs::path& file, std::vector<RegcodeRow>& rows) {
+    const std::string path = gf_pathText(file);
+    gf_log(fmt::format("Processing regcodes file '{}'", path));
+    if (fs::file_size(file) == 0) return;  // it has no character set
+    std::vector<std::string> lines;
+    gf_readLines(gf_detectCharset(file), file, lines);
+    for (const std::string& line : lines) readLine(line, path, rows);
+}
+
 std::vector<fs::path> textFiles(const fs::path& folder) {
     std::vector<fs::path> files;
     for (const auto& entry : fs::directory_iterator(folder))
@@ -108,24 +117,23 @@ bool gf_readAigRegcodes(std::vector<RegcodeRow>& rows) {
 
 bool gf_readMyRegcodes(const fs::path& folder, std::vector<RegcodeRow>& rows) {
     const size_t before = rows.size();
-    try {
-        for (const fs::path& file : textFiles(folder)) {
-            const std::string path = gf_pathText(file);
-            gf_log(fmt::format("Processing regcodes file '{}'", path));
-            std::error_code error;
-            if (fs::file_size(file, error) == 0) continue;  // it has no character set
-            std::vector<std::string> lines;
-            gf_readLines(gf_detectCharset(file), file, lines);
-            for (const std::string& line : lines) readLine(line, path, rows);
+    bool fine = true;
+    const auto guarded = [&](auto&& action) {
+        try {
+            action();
+        } catch (const std::exception& error) {
+            gf_logError(fmt::format("Error reading regcode files in {}, what: {}", gf_pathText(folder),
+                                    error.what()));
+            fine = false;
         }
-    } catch (const std::exception& error) {
-        gf_logError(
-            fmt::format("Error reading regcode files in {}, what: {}", gf_pathText(folder), error.what()));
-        return false;
-    }
+    };
+    std::vector<fs::path> files;
+    guarded([&] { files = textFiles(folder); });
+    for (const fs::path& file : files) guarded([&] { readFile(file, rows); });
+    if (!fine && files.empty()) return false;
     const size_t count = rows.size() - before;
     gf_log(fmt::format("{} {}", count, liveriesWord(count)));
-    return true;
+    return fine;
 }
 
 }  // namespace skl

@@ -103,6 +103,10 @@ TEST_F(RegcodesTest, FilesOfTheUser) {
     EXPECT_EQ(shown(rows), "one \xc3\xa9[REG1 ]# two[REG2 ]# three[] ");
     EXPECT_TRUE(logHas("Processing regcodes file 'my/a.txt'"));
     EXPECT_TRUE(logHas("3 liveries"));
+    writeFile("my/b2.txt", "\xff\xfe\xd8");  // half of a character
+    rows.clear();
+    gf_readMyRegcodes("my", rows);
+    EXPECT_EQ(rows.size(), 3u) << "the other files still count";
     EXPECT_FALSE(gf_readMyRegcodes("nowhere", rows));
     EXPECT_TRUE(logHas("===> Error reading regcode files in nowhere, what: "));
 }
