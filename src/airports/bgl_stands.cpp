@@ -78,6 +78,13 @@ std::string uniqueId(BglAirport& airport, const std::string& name) {
     return {};
 }
 
+/// Straight north is a whole turn; what lies outside of one is brought into it.
+double headingOf(float degrees) {
+    if (degrees == 0) return fullCircle;
+    const double radians = degrees * radPerDegree;
+    return degrees > 0 && degrees <= 360 ? radians : normalizeRad(radians);
+}
+
 void takeEntry(const Entry& entry, BglAirport& airport, const std::string& path) {
     if (!(entry.radius > 1.0f && entry.radius < 200.0f)) {
         lf_scanLog(fmt::format("Skipped position with radius {:.1F} m in {}", entry.radius, path));
@@ -103,7 +110,7 @@ void takeEntry(const Entry& entry, BglAirport& airport, const std::string& path)
     stand.id = id;
     stand.lat = entry.place.lat;
     stand.lon = entry.place.lon;
-    stand.heading = entry.heading == 0 ? fullCircle : entry.heading * radPerDegree;
+    stand.heading = headingOf(entry.heading);
     stand.radius = entry.radius * nmPerMeter;
     stand.cargo = kind.cargo;
     stand.ramp = kind.ramp;
