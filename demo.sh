@@ -104,9 +104,10 @@ fi
 # All programs of a run with another start live in the same shifted time; how fast it goes stays as it is.
 at_start=()
 if [ -n "$start" ]; then
-    tools/install_packages.sh faketime
+    tools/install_packages.sh libfaketime
     shift_seconds=$(python3 demo/seconds_until.py "$start")
-    at_start=(env DONT_FAKE_MONOTONIC=1 faketime -m -f "+${shift_seconds}s")
+    library=$(dpkg -L libfaketime | grep 'libfaketimeMT.so.1$')
+    at_start=(env LD_PRELOAD="$library" DONT_FAKE_MONOTONIC=1 FAKETIME="+${shift_seconds}s")
 fi
 
 if [ -n "$screenshot" ]; then
