@@ -11,24 +11,15 @@
 #include "engine/live_parking.h"
 #include "panel/panel_state.h"
 #include "parking/stands.h"
-#include "parking/statics.h"
+#include "parking/static_ac.h"
+#include "parking/week_slots.h"
 
 namespace skl {
 
 namespace {
 
 constexpr uint64_t clockPerSecond = 10'000'000;
-constexpr int32_t slotsOfADay = 48;
 constexpr int32_t longestStayHeavy = 180, longestStay = 90;  // minutes
-
-int32_t slotOfWeek(WeekSlot slot) {
-    return slot.day * slotsOfADay + slot.halfHour;
-}
-
-/// Half hours; a stay that seems to begin in the future counts as new.
-int32_t ageInSlots(WeekSlot parkedAt, WeekSlot now) {
-    return std::max(0, slotOfWeek(now) - slotOfWeek(parkedAt));
-}
 
 uint64_t secondsParked(const LiveAc& record) {
     const uint64_t now = lf_parkClock();
@@ -46,15 +37,11 @@ void removeOldestLive() {
     removeAircraftFromSim(*oldest);
 }
 
-bool standsInSim(const StaticAc& record) {
-    return record.simState == SimObjectState::active || record.simState == SimObjectState::removingfromsim;
-}
-
 void removeOldestStatic() {
     const WeekSlot now = gf_weekSlotNow();
     StaticAc* oldest = nullptr;
     for (StaticAc& record : staticAcs) {
-        if (!standsInSim(record)) continue;
+        if (!lf_standsInSim(record)) continue;
         if (!oldest || lf_slotAge(record.parkedAt, now) > lf_slotAge(oldest->parkedAt, now)) oldest = &record;
     }
     // One that is on its way out already makes the room.
@@ -63,14 +50,6 @@ void removeOldestStatic() {
         gf_log(fmt::format("{:8}: {} static max park exceeded, removed", lf_standName(oldest->standId),
                            gf_description(*oldest)));
     removeAircraftFromSim(*oldest);
-}
-
-void showFit(size_t count, int64_t slots) {
-    const float fit =
-        count == 0
-            ? 0
-            : static_cast<float>(static_cast<double>(slots) / (2.0 * static_cast<double>(count)) + 0.5);
-    if (g_panel.averageFitLive.exchange(fit) != fit) gf_invalidate(Band::parking);
 }
 
 }  // namespace
@@ -84,20 +63,20 @@ void lf_enforceMaxPark(bool oneMore) {
     const auto limit = static_cast<size_t>(maxParkCount);
     const size_t live = lf_countLiveParked(false) + (oneMore ? 1 : 0);
     if (!INITIAL_LOAD_ONLY.value && live > limit) removeOldestLive();
-    const auto inSim = static_cast<size_t>(std::count_if(staticAcs.begin(), staticAcs.end(), standsInSim));
+    const auto inSim = static_cast<size_t>(std::count_if(staticAcs.begin(), staticAcs.end(), lf_standsInSim));
     if (inSim > 0 && inSim + live > limit) removeOldestStatic();
 }
 
 size_t lf_countLiveParked(bool updateFit) {
     const WeekSlot now = gf_weekSlotNow();
     size_t count = 0;
-    int64_t slots = 0;
+    int64_t halfHours = 0;
     for (const LiveAc& record : liveAcs) {
         if (!lf_isParked(record)) continue;
         ++count;
-        slots += ageInSlots(record.parkedAt, now);
+        halfHours += lf_slotAge(record.parkedAt, now);
     }
-    if (updateFit) showFit(count, slots);
+    if (updateFit) lf_showMeanAge(g_panel.averageFitLive, count, halfHours);
     return count;
 }
 

@@ -12,7 +12,6 @@ namespace skl {
 namespace {
 
 constexpr int32_t heavyReach = 14, usualReach = 10;  // half hours before and after now
-constexpr int32_t lastHalfHour = 47;
 
 /// The half hours around one of them, within its day.
 uint64_t hoursAround(int32_t halfHour, int32_t reach) {

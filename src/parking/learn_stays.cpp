@@ -6,13 +6,12 @@
 #include "core/log.h"
 #include "parking/learning.h"
 #include "parking/stands.h"
+#include "parking/week_slots.h"
 
 namespace skl {
 
 namespace {
 
-constexpr int32_t halfHoursOfDay = 48, halfHoursOfWeek = 336;
-constexpr int32_t firstOfDay = 0, lastOfDay = halfHoursOfDay - 1;
 // From so many half hours on the time on the ground is not one stay, but two.
 constexpr int32_t tooLongCargo = 12, tooLongHeavy = 8, tooLong = 6;
 
@@ -37,10 +36,6 @@ uint64_t bitsOf(int32_t from, int32_t to) {
     return bits;
 }
 
-bool holds(const StandOption& option, WeekSlot slot) {
-    return (option.hours & bitOf(slot.halfHour)) != 0;
-}
-
 bool isOf(const StandOption& option, const std::string& key, WeekSlot slot, bool real) {
     return option.optionId != 0 && option.day == slot.day && option.real == real && option.reg == key;
 }
@@ -50,14 +45,6 @@ StandOption* findOption(Stand& stand, int32_t optionId) {
     const auto found = std::find_if(stand.options.begin(), stand.options.end(),
                                     [=](const StandOption& option) { return option.optionId == optionId; });
     return found == stand.options.end() ? nullptr : &*found;
-}
-
-int32_t weekPlace(WeekSlot slot) {
-    return slot.day * halfHoursOfDay + slot.halfHour;
-}
-
-int32_t halfHoursBetween(WeekSlot start, WeekSlot now) {
-    return (weekPlace(now) - weekPlace(start) + halfHoursOfWeek) % halfHoursOfWeek;
 }
 
 int32_t tooLongFor(const LiveAc& record) {
@@ -94,7 +81,7 @@ class Sight {
             fillIn(stay->second.optionId);
         else if (!known)
             begin();
-        else if (!holds(*known, slot_))
+        else if (!lf_holds(known->hours, slot_.halfHour))
             addTo(known->optionId);
         else if (leaving_)
             stays_.erase(record_.hexid);
@@ -105,7 +92,7 @@ class Sight {
     bool archiveTellsOtherTimes() const {
         const auto& options = stand_.options;
         return std::any_of(options.begin(), options.end(), [this](const StandOption& option) {
-            return option.fromArchive && isOf(option, keyOf(record_), slot_, real_) && !holds(option, slot_);
+            return option.fromArchive && isOf(option, keyOf(record_), slot_, real_) && !lf_holds(option.hours, slot_.halfHour);
         });
     }
 
@@ -207,7 +194,7 @@ NewOption lf_newOption(Stand& stand, const LiveAc& record, bool real, WeekSlot s
 bool updateOptions(WeekSlot now, Stand& stand, int32_t optionId, WeekSlot& start, const LiveAc& record,
                    const std::string& cs, bool real) {
     if (optionId == 0 || now == start) return true;
-    const int32_t span = halfHoursBetween(start, now);
+    const int32_t span = lf_slotAge(start, now);
     if (span < 1 || span >= tooLongFor(record)) return false;
     StandOption* option = findOption(stand, optionId);
     if (!option) return false;
@@ -217,8 +204,8 @@ bool updateOptions(WeekSlot now, Stand& stand, int32_t optionId, WeekSlot& start
     } else {
         const NewOption next = lf_newOption(stand, record, real, now, cs);
         if (!next.added) return false;
-        extend(*findOption(stand, optionId), start.halfHour, lastOfDay, flight);
-        extend(stand.options.back(), firstOfDay, now.halfHour, flight);
+        extend(*findOption(stand, optionId), start.halfHour, lastHalfHour, flight);
+        extend(stand.options.back(), 0, now.halfHour, flight);
     }
     start = now;
     return true;

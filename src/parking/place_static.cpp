@@ -111,8 +111,8 @@ void requestCreation(const StaticAc& record) {
 }
 
 /// Without trailing "_", with one "*"; empty stays empty.
-std::string starred(std::string callsign) {
-    while (callsign.ends_with('_')) callsign.pop_back();
+std::string starred(std::string_view text) {
+    std::string callsign(lf_bareCallsign(text));
     if (!callsign.empty() && !callsign.ends_with('*')) callsign += '*';
     return callsign;
 }

@@ -83,7 +83,7 @@ std::string lf_readParkedFile() {
         stands.shrink_to_fit();
         reserveListedStand();
     }
-    gf_enableControl(parking_percentage, false);
+    gf_enableControl(parking_percentage, false);  // until the first fill has ended
     showAirport();
     updatesCount = 0;
     return reason;

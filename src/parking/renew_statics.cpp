@@ -1,5 +1,5 @@
 // A renewal: a new plan is held against what stands, so that most aircraft stay untouched, and the difference
-// goes and comes. Also the flush, and the count of what stands.
+// goes and comes. Also the flush.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -26,9 +26,6 @@ std::vector<KeptStatic> keptStatics;
 std::vector<StaticToRemove> removalList;
 
 namespace {
-
-constexpr int32_t slotsOfADay = 48, slotsOfAWeek = 7 * slotsOfADay;
-constexpr int32_t farthestBack = 47;
 
 bool underWay = false;
 
@@ -57,7 +54,7 @@ void fillLiveStands() {
 
 Candidate again(const KeptStatic& entry, WeekSlot now) {
     return {.sid = entry.standId,
-            .offset = std::min(farthestBack, lf_slotAge(entry.parkedAt, now)),
+            .offset = std::min(lastHalfHour, lf_slotAge(entry.parkedAt, now)),
             .airl = entry.airline,
             .type = entry.model,
             .cs = entry.coupledIn,
@@ -87,8 +84,7 @@ void removeListed() {
             return record.standId == entry.standId;
         });
         if (found == staticAcs.end()) continue;
-        if (found->simState == SimObjectState::active || found->simState == SimObjectState::removingfromsim)
-            removeAircraftFromSim(*found);
+        if (lf_standsInSim(*found)) removeAircraftFromSim(*found);
     }
     removalList.clear();
     lf_sweepStatics();
@@ -99,14 +95,6 @@ void removeLiveOn(uint32_t standId) {
         return record.standId == standId && lf_isParked(record);
     });
     if (found != liveAcs.end()) removeAircraftFromSim(*found);
-}
-
-bool standsInSim(const StaticAc& record) {
-    return record.simState == SimObjectState::active || record.simState == SimObjectState::removingfromsim;
-}
-
-int32_t slotOfWeek(WeekSlot slot) {
-    return (slot.day - 1) * slotsOfADay + slot.halfHour;
 }
 
 }  // namespace
@@ -185,28 +173,6 @@ void lf_serveFlush() {
     lf_dropRenewal();
     lf_removeAllStatics();
     if (!INITIAL_LOAD_ONLY.value.exchange(true)) gf_invalidate(Band::options);
-}
-
-int32_t lf_slotAge(WeekSlot slot, WeekSlot now) {
-    const int32_t age = (slotOfWeek(now) - slotOfWeek(slot)) % slotsOfAWeek;
-    return age < 0 ? age + slotsOfAWeek : age;
-}
-
-size_t lf_countStatics(bool updateFit) {
-    const WeekSlot now = gf_weekSlotNow();
-    size_t count = 0;
-    int64_t halfHours = 0;
-    for (const StaticAc& record : staticAcs) {
-        if (!standsInSim(record)) continue;
-        ++count;
-        halfHours += lf_slotAge(record.parkedAt, now);
-    }
-    if (!updateFit || WEEK.value) return count;
-    const double hours =
-        count == 0 ? 0 : static_cast<double>(halfHours) / (2.0 * static_cast<double>(count)) + 0.5;
-    const auto fit = static_cast<float>(hours);
-    if (g_panel.averageFitStatic.exchange(fit) != fit) gf_invalidate(Band::parking);
-    return count;
 }
 
 void gf_resetStatics() {

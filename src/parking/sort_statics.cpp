@@ -13,8 +13,7 @@ namespace skl {
 
 namespace {
 
-constexpr int32_t slotsOfADay = 48, lastSlot = slotsOfADay - 1;
-constexpr int32_t daysOfAWeek = 7;
+constexpr int32_t farthestBack = 46;  // half hours of the day before that may still count, less one
 
 using Planned = std::vector<Candidate>::iterator;
 
@@ -73,12 +72,12 @@ bool holdsOneOf(const Stand& stand, const StaticAc& record, int32_t day, int32_t
 /// Whether the option that brought the aircraft here would still bring it, as far back as the plan has gone.
 bool stillDue(const StaticAc& record, const Stand* stand, WeekSlot now) {
     if (!stand) return false;
-    const int32_t reach = std::min(lastSlot, std::max(lastFitReal, lastFitSoft));
+    const int32_t reach = std::min(lastHalfHour, std::max(lastFitReal, lastFitSoft));
     const int32_t beyond = reach - now.halfHour;
     if (holdsOneOf(*stand, record, now.day, std::max(0, -beyond), now.halfHour)) return true;
     if (beyond <= 0) return false;
-    const int32_t before = now.day == 1 ? daysOfAWeek : now.day - 1;
-    return holdsOneOf(*stand, record, before, lastSlot - std::min(beyond, lastSlot - 1), lastSlot);
+    const int32_t before = now.day == 1 ? daysAWeek : now.day - 1;
+    return holdsOneOf(*stand, record, before, lastHalfHour - std::min(beyond, farthestBack), lastHalfHour);
 }
 
 void decide(const StaticAc& record, WeekSlot now) {
@@ -119,10 +118,10 @@ bool leavesSoon(const KeptStatic& entry, const Stand& stand, WeekSlot now) {
     });
 }
 
-bool showsFirst(const KeptStatic& entry) {
-    std::string_view first = entry.coupledIn;
-    while (first.ends_with('_')) first.remove_suffix(1);
-    return entry.callsign.find(first) != std::string::npos;
+/// Whether it still shows its first callsign, and has another one to show.
+bool mayChange(const KeptStatic& entry) {
+    return !lf_bareCallsign(entry.coupledOut).empty() && !lf_showsCallsign(entry.callsign, entry.coupledOut) &&
+           entry.callsign.find(lf_bareCallsign(entry.coupledIn)) != std::string::npos;
 }
 
 }  // namespace
@@ -136,8 +135,7 @@ void lf_sortStatics(WeekSlot now) {
     });
     for (KeptStatic& entry : keptStatics) {
         const Stand* stand = lf_findStand(entry.standId);
-        if (stand && !entry.coupledOut.empty() && showsFirst(entry))
-            entry.switchCallsign = leavesSoon(entry, *stand, now);
+        entry.switchCallsign = stand && mayChange(entry) && leavesSoon(entry, *stand, now);
     }
 }
 

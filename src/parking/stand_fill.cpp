@@ -140,12 +140,11 @@ bool lf_fitStands(WeekSlot now, bool real, int64_t wanted, std::vector<Candidate
     const StandSearch search(now, real);
     int32_t offset = 0;
     bool reached = false;
-    while (!reached && offset <= MAX_FIT.value) {
+    for (; offset <= MAX_FIT.value; ++offset) {
         lf_searchStands(search, offset, last);
         reached = wanted <= filledStands();
         if (reached) break;
         append(last);
-        ++offset;
     }
     if (real) lastFitReal = offset;
     lastFitSoft = real ? -1 : offset;

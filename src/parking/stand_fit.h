@@ -15,6 +15,7 @@
 #include "engine/live_ac.h"
 #include "engine/live_parking.h"
 #include "parking/static_ac.h"
+#include "parking/week_slots.h"
 
 namespace skl {
 
@@ -31,24 +32,18 @@ extern int32_t lastFitReal, lastFitSoft;   ///< offsets at which the two searche
 extern StringSet seenCallsigns;            ///< callsigns of the feed at the start of this fill
 extern std::vector<ParkedAge> liveParkedList;
 
-/// Going back and forward in the week; `halfHours` at most 47.
-WeekSlot lf_slotBack(WeekSlot slot, int32_t halfHours);
-WeekSlot lf_slotNext(WeekSlot slot);
-/// Whether `hours` holds a half hour of 0 to 47.
-constexpr bool lf_holds(uint64_t hours, int32_t halfHour) {
-    return (hours >> halfHour & 1) != 0;
-}
-
-/// Whether a static aircraft shows this callsign of an option: without its trailing "_", with "*" behind.
+/// A callsign without the marks of a ghost, "_" at its end.
+std::string_view lf_bareCallsign(std::string_view callsign);
+/// Whether a static aircraft shows this callsign of an option: bare, with "*" behind.
 bool lf_showsCallsign(std::string_view shown, std::string_view callsign);
-/// Whether a planned aircraft (an option or a candidate) is the one that stands there. One without a callsign
-/// of its own is known by its registration.
+/// Whether a planned aircraft (an option or a candidate) is the one that stands there. One that has come
+/// without a callsign shows a number, and is known by its registration.
 template <class Planned>
 bool lf_isSameAircraft(const AcBase& parked, const Planned& planned) {
     if (parked.airline != planned.airl || parked.model != planned.type) return false;
-    if (planned.cs.empty() && planned.cs2.empty())
-        return !planned.reg.empty() && planned.reg == parked.regcode;
-    return lf_showsCallsign(parked.callsign, planned.cs) || lf_showsCallsign(parked.callsign, planned.cs2);
+    if (lf_showsCallsign(parked.callsign, planned.cs) || lf_showsCallsign(parked.callsign, planned.cs2))
+        return true;
+    return planned.cs.empty() && !planned.reg.empty() && planned.reg == parked.regcode;
 }
 
 /// How many aircraft the airport is to show; sets maxParkCount and the panel's percentage.

@@ -15,8 +15,6 @@ namespace skl {
 
 namespace {
 
-constexpr int32_t halfHoursADay = 48, daysAWeek = 7;
-
 /// An active static on a neighbouring stand.
 struct Neighbour {
     double halfSpanNm = 0, distanceNm = 0;
@@ -158,20 +156,14 @@ bool isParkedLive(const StandOption& option) {
 
 }  // namespace
 
-WeekSlot lf_slotBack(WeekSlot slot, int32_t halfHours) {
-    slot.halfHour -= halfHours;
-    if (slot.halfHour >= 0) return slot;
-    return {slot.day == 1 ? daysAWeek : slot.day - 1, slot.halfHour + halfHoursADay};
-}
-
-WeekSlot lf_slotNext(WeekSlot slot) {
-    if (++slot.halfHour < halfHoursADay) return slot;
-    return {slot.day == daysAWeek ? 1 : slot.day + 1, slot.halfHour - halfHoursADay};
+std::string_view lf_bareCallsign(std::string_view callsign) {
+    while (callsign.ends_with('_')) callsign.remove_suffix(1);
+    return callsign;
 }
 
 bool lf_showsCallsign(std::string_view shown, std::string_view callsign) {
+    callsign = lf_bareCallsign(callsign);
     if (callsign.empty() || !shown.ends_with('*')) return false;
-    while (callsign.ends_with('_')) callsign.remove_suffix(1);
     if (!callsign.ends_with('*')) shown.remove_suffix(1);
     return shown == callsign;
 }

@@ -12,7 +12,9 @@
 #include "engine/engine.h"
 #include "engine/engine_state.h"
 #include "engine/live_parking.h"
+#include "panel/panel_state.h"
 #include "parking/stands.h"
+#include "parking/week_slots.h"
 
 namespace skl {
 
@@ -86,6 +88,27 @@ void lf_dropLostStatics() {
         sweep = true;
     }
     if (sweep) lf_sweepStatics();
+}
+
+size_t lf_countStatics(bool updateFit) {
+    const WeekSlot now = gf_weekSlotNow();
+    size_t count = 0;
+    int64_t halfHours = 0;
+    for (const StaticAc& record : staticAcs) {
+        if (!lf_standsInSim(record)) continue;
+        ++count;
+        halfHours += lf_slotAge(record.parkedAt, now);
+    }
+    if (updateFit && !WEEK.value) lf_showMeanAge(g_panel.averageFitStatic, count, halfHours);
+    return count;
+}
+
+void lf_showMeanAge(std::atomic<float>& field, size_t count, int64_t halfHours) {
+    float hours = 0;
+    if (count != 0)
+        hours =
+            static_cast<float>(static_cast<double>(halfHours) / (2.0 * static_cast<double>(count)) + 0.5);
+    if (field.exchange(hours) != hours) gf_invalidate(Band::parking);
 }
 
 void lf_removeForLive(StaticAc& record) {

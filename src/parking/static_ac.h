@@ -1,6 +1,8 @@
 // The table of static aircraft, those that only stand. Worker thread only.
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -25,6 +27,14 @@ void lf_activateStatic(uint32_t hexid, uint32_t objectId);
 bool lf_staticLeaving(int32_t ticks);
 /// Erases records for which the simulator has left the engine without an answer for 60 s.
 void lf_dropLostStatics();
+/// Whether the simulator shows it.
+inline bool lf_standsInSim(const StaticAc& record) {
+    return record.simState == SimObjectState::active || record.simState == SimObjectState::removingfromsim;
+}
+/// Counts those; with `updateFit` the panel's mean age of them too.
+size_t lf_countStatics(bool updateFit);
+/// Sets a mean age of the panel, hours, from `count` ages that are so many half hours in all.
+void lf_showMeanAge(std::atomic<float>& field, size_t count, int64_t halfHours);
 /// One that makes room for live traffic, counted as such.
 void lf_removeForLive(StaticAc& record);
 

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -64,10 +63,6 @@ void lf_serveFlush();
 void lf_addFakeOptions(const std::string& code, std::vector<Stand>& stands);
 /// Whether an aircraft is neither too large nor far too small for a stand.
 bool lf_standFits(const Stand& stand, double halfSpanNm);
-/// Counts the statics; with `updateFit` the panel's mean age of them too.
-size_t lf_countStatics(bool updateFit);
-/// Half hours from `slot` to `now`, 0 to 335: the week has no end.
-int32_t lf_slotAge(WeekSlot slot, WeekSlot now);
 void gf_resetStatics();
 
 }  // namespace skl

@@ -66,7 +66,8 @@ class World:
         self.config.mkdir()
         self.env = dict(os.environ, XDG_CONFIG_HOME=str(self.config), XDG_DATA_HOME=str(self.folder / "data"),
                         XDG_RUNTIME_DIR=str(self.folder), HOME=str(self.folder))
-        self.env["LSAN_OPTIONS"] = f"suppressions={ROOT / 'tests' / 'e2e' / 'leaks.supp'}:print_suppressions=0"
+        for options, file in (("LSAN_OPTIONS", "leaks.supp"), ("TSAN_OPTIONS", "threads.supp")):
+            self.env[options] = f"suppressions={ROOT / 'tests' / 'e2e' / file}:print_suppressions=0"
         self.env.pop("DISPLAY", None)  # without a screen unless a scenario wants one
         self.screens = []
         if real_traffic:
