@@ -3,7 +3,9 @@
 
 #include <unistd.h>
 
+#include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <system_error>
 
@@ -28,5 +30,10 @@ class ScratchFolder {
   private:
     std::filesystem::path path_, before_;
 };
+
+inline void write(const std::filesystem::path& path, const uint8_t* data, size_t size) {
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+}
 
 }  // namespace skl::fuzz

@@ -13,7 +13,7 @@ namespace skl {
 
 namespace {
 
-constexpr int32_t farthestBack = 46;  // half hours of the day before that may still count, less one
+constexpr int32_t farthestBack = 46;  // half hours before the last one of the day before
 
 using Planned = std::vector<Candidate>::iterator;
 
@@ -120,7 +120,8 @@ bool leavesSoon(const KeptStatic& entry, const Stand& stand, WeekSlot now) {
 
 /// Whether it still shows its first callsign, and has another one to show.
 bool mayChange(const KeptStatic& entry) {
-    return !lf_bareCallsign(entry.coupledOut).empty() && !lf_showsCallsign(entry.callsign, entry.coupledOut) &&
+    return !lf_bareCallsign(entry.coupledOut).empty() &&
+           !lf_showsCallsign(entry.callsign, entry.coupledOut) &&
            entry.callsign.find(lf_bareCallsign(entry.coupledIn)) != std::string::npos;
 }
 

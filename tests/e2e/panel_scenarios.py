@@ -2,6 +2,7 @@
 import shutil
 
 from airport_scenarios import airport_file, serve, standing
+from harness import Failure
 
 GREEN, YELLOW, RED, BLACK = (50, 205, 50), (255, 255, 0), (255, 0, 0), (0, 0, 0)
 SIM, FEED, MESSAGE = (400, 40), (430, 40), (870, 470)  # points in the two lamps and the message line
@@ -16,7 +17,13 @@ def register(scenario, recording, feed_line):
         screen.picture(what, world.build / "screenshots")
 
     def saved(world, name, value):
-        world.wait_for(lambda: f'name="{name}" value="{value}"' in world.parameters_text(), f"{name} saved as {value}")
+        try:
+            world.wait_for(lambda: f'name="{name}" value="{value}"' in world.parameters_text(),
+                           f"{name} saved as {value}")
+        except Failure:
+            for screen in world.screens:
+                screen.picture(f"not-saved-{name}", world.build / "screenshots")
+            raise
 
     @scenario
     def the_panel_en_route(world):
@@ -64,6 +71,8 @@ def register(scenario, recording, feed_line):
         screen = world.screen()
         program = world.program()
         world.wait_for_log("Waiting for MSFS 2020")
+        # The frame of a box is black once the box can be used.
+        world.wait_for(lambda: screen.colour(652, 149) == BLACK, "the boxes are enabled")
         screen.click(658, 155)
         saved(world, "LOG", "false")
         screen.keys("Tab", "space")  # the next box in reading order

@@ -192,12 +192,12 @@ TEST_F(LiveParking, AgesAndCounts) {
     add(20001, AcCategory::Large, 90, {2, 10});
     add(20002, AcCategory::Large, 91, {2, 8});
     add(20003, AcCategory::Heavy, 180, {1, 46});
-    add(20004, AcCategory::Heavy, 181, {3, 0});  // a slot to come has no age
+    add(20004, AcCategory::Heavy, 181, {7, 46});  // over the end of the week
     add(20005, AcCategory::Large, 500, {2, 10});
     liveAcs.back().parkedMoving = true;
     gf_storeNow({2, 10});
     EXPECT_EQ(lf_countLiveParked(true), 5u);
-    EXPECT_FLOAT_EQ(g_panel.averageFitLive, (0 + 2 + 12 + 0 + 0) / 10.0f + 0.5f);
+    EXPECT_FLOAT_EQ(g_panel.averageFitLive, (0 + 2 + 12 + 60 + 0) / 10.0f + 0.5f);
     const auto texts = [] {
         std::string text;
         for (const ParkedAge& age : lf_liveParkedAges())

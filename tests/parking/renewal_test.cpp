@@ -96,6 +96,28 @@ TEST_F(RenewalTest, TheLastHalfHourShowsTheNextFlight) {
     }
 }
 
+TEST_F(RenewalTest, WithoutAnotherCallsignToShowItStays) {
+    const struct {
+        const char *cs, *cs2, *shown;
+    } cases[] = {{"A1", "A1", "A1*"}, {"A1", "A1_", "A1*"}, {"A1", "__", "A1*"}, {"", "B9", "BAW1*"}};
+    for (const auto& c : cases) {
+        gf_resetEngine();
+        gf_resetStatics();
+        sim = {};
+        stands.clear();
+        row(1);
+        stands[0].options = {option("G-A", 0b11 << 10)};
+        stands[0].options[0].cs = c.cs;
+        stands[0].options[0].cs2 = c.cs2;
+        for (const int32_t halfHour : {10, 11, 11}) {
+            gf_storeNow({1, halfHour});
+            lf_renewParking();
+            settle();
+        }
+        EXPECT_EQ(shown(), fmt::format("{}:1000:active ", c.shown)) << c.cs << ':' << c.cs2;
+    }
+}
+
 TEST_F(RenewalTest, ANewCallsignDoesNotCostTheStand) {
     row(2);
     stands[0].options = {option("G-A1", 0b11 << 10)};

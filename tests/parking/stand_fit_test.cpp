@@ -94,6 +94,7 @@ TEST_F(StandFitTest, TheWeekIsARing) {
         for (int32_t back = 0; back < 48; ++back) {
             WeekSlot at = lf_slotBack({slot / 48 + 1, slot % 48}, back);
             ASSERT_EQ((at.day - 1) * 48 + at.halfHour, (slot + 336 - back) % 336);
+            ASSERT_EQ(lf_slotAge(at, {slot / 48 + 1, slot % 48}), back);
             for (int32_t i = 0; i < back; ++i) at = lf_slotNext(at);
             ASSERT_EQ(at, (WeekSlot{slot / 48 + 1, slot % 48}));
         }
