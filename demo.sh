@@ -3,7 +3,7 @@
 # airport's stands, RealTraffic played from a recording on the real ports, and the program between them. Installs and
 # builds what is missing first.
 #
-#   ./demo.sh [--seconds N] [--random 0|1] [--parked N] [--start "Mon 07:30"] [--visits N] [--screenshot FILE]
+#   ./demo.sh [--seconds N] [--random 0|1] [--parked N] [--start "Mon 07:45"] [--visits N] [--screenshot FILE]
 #             [--feed FILE --at LAT,LON [--site DIR]] [--keep DIR]
 #
 # --seconds  how long traffic is shown, 900 by default; with 1300 the parked aircraft are renewed once, too

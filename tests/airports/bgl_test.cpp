@@ -35,7 +35,7 @@ class BglTest : public TempFolderTest {
     }
     static std::vector<uint32_t> wordsOf(const Bytes& bytes) {
         std::vector<uint32_t> words((bytes.size() + 3) / 4);
-        std::memcpy(words.data(), bytes.data(), bytes.size());
+        if (!bytes.empty()) std::memcpy(words.data(), bytes.data(), bytes.size());
         return words;
     }
     static std::string made(const std::string& code) {
