@@ -10,7 +10,7 @@
 # --random   whether the program may choose by chance, 1 by default; with 0 two runs end on the same stands
 # --parked   the most aircraft that stand, live ones included, 100 by default; 0: none that only stands
 # --start    the weekday and time (UTC) at which the run begins, now by default
-# --visits   so many runs one after the other with the same data: each knows more stands than the one before
+# --visits   so many runs with the same data, a day apart: each knows more of the airport than the one before
 # --screenshot  runs on a screen without a monitor and keeps a picture of the control panel while traffic flies; without
 #            it the panel opens where there is a screen
 # --feed     a recording of your own in place of the generated one, --at the user's place for it (elevation 1416 ft
@@ -101,14 +101,17 @@ if [ -z "$site_root" ]; then
         >"$site_root/downloads/versions.json"
 fi
 
-# All programs of a run with another start live in the same shifted time; how fast it goes stays as it is.
+# All programs of a run with another start live in the same shifted time; how fast it goes stays as it is. Each visit
+# but the first is a day after the one before.
 at_start=()
-if [ -n "$start" ]; then
+shift_time() {
+    local shift_seconds=$((($1 - 1) * 86400))
+    [ -z "$start" ] || shift_seconds=$((shift_seconds + $(python3 demo/seconds_until.py "$start")))
+    [ "$shift_seconds" -ne 0 ] || return 0
     tools/install_packages.sh libfaketime
-    shift_seconds=$(python3 demo/seconds_until.py "$start")
     library=$(dpkg -L libfaketime | grep 'libfaketimeMT.so.1$')
     at_start=(env LD_PRELOAD="$library" DONT_FAKE_MONOTONIC=1 FAKETIME="+${shift_seconds}s")
-fi
+}
 
 if [ -n "$screenshot" ]; then
     Xvfb ":$$" -screen 0 880x476x24 -noreset -nolisten tcp >/dev/null 2>&1 &
@@ -154,6 +157,7 @@ run() {
 
 for visit in $(seq "$visits"); do
     [ "$visits" -eq 1 ] || echo "Visit $visit of $visits"
+    shift_time "$visit"
     run
     [ "$visits" -eq 1 ] || python3 demo/known_options.py "$world/run"
 done
