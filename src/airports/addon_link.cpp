@@ -92,7 +92,7 @@ bool linkThirdparty(const AirportFile& file, int32_t& archivedCount) {
 
 /// The code of an airport that cannot be read, out of what its file and its package are called.
 std::string codeByNames(const std::string& path) {
-    const std::string stem = gf_pathText(fs::path(path).stem());
+    std::string stem = gf_pathText(fs::path(path).stem());
     if (stem.size() == codeLength && gf_findAirport(stem)) {
         lf_scanLog(fmt::format("Not recognised airport has ICAO code '{}' as BGL stem", stem));
         return stem;
