@@ -2,7 +2,7 @@
 """Makes stock airport files as the data site serves them: make_airports.py ROOT [--flights FILE] [--plans DIR]
 
 Writes ROOT/downloads/MSFS/archive/stock/<code>.xml for each description of stands in DIR (demo/airports). Each stand gets
-options for all days of the week: the flights of FILE that stand or park there, and others that fit on it, drawn from
+options for all days of the week: the flights of FILE that park there, and others that fit on it, drawn from
 the reference database's sources. The same input gives the same bytes.
 """
 import argparse
@@ -60,12 +60,13 @@ def airline_of(flight):
 
 
 def own_options(flights):
-    """Of the flights described: stand name to (airline, type, registration, callsign)."""
+    """Of the arrivals described: stand name to (airline, type, registration, callsign). Those that stand from the start
+    are left for the program to learn."""
     options = {}
     for flight in flights:
         for word, arguments in flight.legs:
-            if word in ("stand", "park", "tow"):
-                name = arguments[0] if word == "stand" else arguments[1]
+            if word in ("park", "tow"):
+                name = arguments[1]
                 options.setdefault(name, []).append((airline_of(flight), flight.type, flight.registration,
                                                      flight.callsign))
     return options
