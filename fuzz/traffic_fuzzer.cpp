@@ -3,8 +3,8 @@
 #include <string_view>
 
 #include "core/run_state.h"
-#include "feed/feed.h"
 #include "engine/engine_state.h"
+#include "feed/feed.h"
 #include "feed/traffic_reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(g++ cmake ninja-build ccache pkg-config python3
           libfmt-dev nlohmann-json3-dev libpugixml-dev libsodium-dev libcurl4-openssl-dev libzip-dev libgtest-dev libbenchmark-dev
-          libfltk1.3-dev libx11-dev fonts-liberation xvfb xauth xdotool x11-apps imagemagick)
+          libfltk1.3-dev libx11-dev fonts-liberation xvfb xauth xdotool x11-apps imagemagick strace)
 [ $# -eq 0 ] || packages=("$@")
 
 missing=()

@@ -175,7 +175,11 @@ void gf_updateDataFiles() {
         gf_logError("Cannot open versions.json");
         return;
     }
-    const Json versions = Json::parse(file);
+    lf_applyVersions(file);
+}
+
+void lf_applyVersions(std::istream& text) {
+    const Json versions = Json::parse(text);
     if (!sim2020) updatePack(versions);
     updateFile(versions, {"aig", "AIG-regcodes.enc", paths::regcodesEnc, AIG_VERSION});
     updateFile(versions, {"dbase", "dbase.enc", paths::dbaseEnc, DBASE_VERSION});

@@ -4,15 +4,18 @@
 #pragma once
 
 #include <filesystem>
+#include <iosfwd>
 #include <string>
 
 #include "core/version.h"
 
 namespace skl {
 
-/// The update step. Throws nlohmann::json::parse_error for a version file that is no JSON, and
-/// std::filesystem::filesystem_error when a local file cannot be looked at.
+/// The update step. Throws nlohmann::json::exception for a version file that is no JSON or has a number
+/// beyond all bounds, and std::filesystem::filesystem_error when a local file cannot be looked at.
 void gf_updateDataFiles();
+/// Fetches what the text of a version file tells to be newer than what is here. Throws as gf_updateDataFiles.
+void lf_applyVersions(std::istream& text);
 /// One file of the site, with its log lines; an old file stays when that fails.
 bool gf_fetchFile(const std::string& name, const std::filesystem::path& path);
 /// The pack of add-on airports for MSFS 2024; true when it was installed.

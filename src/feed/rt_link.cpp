@@ -77,25 +77,6 @@ void drainClient() {
         if (client->receive(dropped) <= 0) return;
 }
 
-void readVersion(const std::string& reply) {
-    rtLevel2 = false;
-    if (reply.empty()) {
-        gf_showMessage("No RealTraffic version received?", true);
-        return;
-    }
-    const auto record = nlohmann::json::parse(reply, nullptr, false);
-    std::string text;
-    if (record.is_object()) {
-        const auto level = record.find("level");
-        rtLevel2 = level != record.end() && level->is_number_integer() && *level == 2;
-        const auto version = record.find("version");
-        text =
-            fmt::format("RT{} edition: {}", rtLevel2 ? " prof" : " stnd",
-                        version != record.end() && version->is_string() ? version->get<std::string>() : "");
-    }
-    gf_setPanelText(&PanelState::feedText, text, Band::status);
-}
-
 void setAcceptTraffic(bool accept) {
     const LockGuard guard(g_trafficLock);
     g_acceptTraffic = accept;
@@ -137,6 +118,25 @@ std::string listenErrorText(const net::NetError& error, const std::string& port)
 }
 
 }  // namespace
+
+void lf_readVersion(const std::string& reply) {
+    rtLevel2 = false;
+    if (reply.empty()) {
+        gf_showMessage("No RealTraffic version received?", true);
+        return;
+    }
+    const auto record = nlohmann::json::parse(reply, nullptr, false);
+    std::string text;
+    if (record.is_object()) {
+        const auto level = record.find("level");
+        rtLevel2 = level != record.end() && level->is_number_integer() && *level == 2;
+        const auto version = record.find("version");
+        text =
+            fmt::format("RT{} edition: {}", rtLevel2 ? " prof" : " stnd",
+                        version != record.end() && version->is_string() ? version->get<std::string>() : "");
+    }
+    gf_setPanelText(&PanelState::feedText, text, Band::status);
+}
 
 std::optional<size_t> lf_replyLength(std::string_view text) {
     const size_t start = text.find_first_not_of(" \t\r\n");
@@ -224,7 +224,7 @@ void gf_rtHandshake() {
     if (look == Look::taken && rtConnected) {
         const std::string reply = gf_rtReceive();
         if (!gf_stopping()) {
-            readVersion(reply);
+            lf_readVersion(reply);
             lightLamp();
             gf_log("RealTraffic connected");
         }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace skl {
@@ -12,5 +13,8 @@ uint16_t lf_listenPort();
 /// The length of the JSON object at the start of `text` (blanks in front included); nothing while its end has
 /// not come. Text that begins otherwise can never become an object: its whole length.
 std::optional<size_t> lf_replyLength(std::string_view text);
+/// What the reply to the version question tells, for the panel and `rtLevel2`; a text that is no object tells
+/// nothing.
+void lf_readVersion(const std::string& reply);
 
 }  // namespace skl

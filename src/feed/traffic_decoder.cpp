@@ -42,6 +42,8 @@ struct TasRow {
 };
 constexpr std::array<TasRow, 4> defaultTas{{{2000, 180}, {5000, 220}, {10000, 250}, {20000, 350}}};
 constexpr double highTas = 430;
+/// Nothing rolls further than half a turn: more is noise.
+constexpr double greatestRoll = 180;
 
 /// Below this height above the airport, and no faster, an aircraft counts as on the ground.
 struct GroundRow {
@@ -234,7 +236,7 @@ void TrafficReader::decodeMotion(Decoded& record) {
     record.destination = orEmpty(fields_[13]);
     if (pos.airborne) {
         const double roll = number(23, "roll");
-        if (roll != -1 && roll != 0) pos.roll = -toRad(roll);
+        if (roll != -1 && roll != 0 && std::abs(roll) <= greatestRoll) pos.roll = -toRad(roll);
     }
     const auto tas = gf_readNumber(fields_[20]);
     if (!tas) bad(fmt::format("TAS incorrect{}", lf_printable(fields_[20])));
