@@ -71,6 +71,16 @@ void sayNewFlight() {
     gf_waitUntil(gf_steadyNow() + std::chrono::seconds(10), [] { return g_userClosing.load(); });
 }
 
+/// How the process has kept its pace so far, for whoever reads a log of a slow evening.
+void logPace() {
+    const auto& c = engineCounters;
+    if (c.ticks == 0) return;
+    gf_log(fmt::format(
+        "Ticks: {}, {} began more than 5 ms late; at most {} records in line; aircraft created {}, "
+        "removed {}",
+        c.ticks.load(), c.lateTicks.load(), c.longestLine.load(), c.created.load(), c.removed.load()));
+}
+
 /// What became of the aircraft that only stand, once an airport had any.
 void logStatics() {
     const auto& c = engineCounters;
@@ -92,6 +102,7 @@ void closeRun() {
     lf_rememberUserStand();
     if (gf_airportInSight()) lf_leaveParkAirport();
     logStatics();
+    logPace();
     liveryMemory.clear();
     gf_removeFlightPlanFolder();
     clearText(DESTINATION);

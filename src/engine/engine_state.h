@@ -36,6 +36,8 @@ void lf_noteNewAc(uint32_t hexid);
 struct EngineCounters {
     std::atomic<uint64_t> created{0}, identified{0}, removed{0}, refused{0}, decoded{0};
     std::atomic<uint64_t> ticks{0}, lateTicks{0};
+    std::atomic<uint64_t> longestLine{
+        0};  ///< the most records that waited in trafficInbox at the begin of a tick
     /// Static aircraft that came to stand, stayed over a renewal, gave way to a planned one, or to live
     /// traffic.
     std::atomic<uint64_t> staticsPlaced{0}, staticsKept{0}, staticsReplaced{0}, staticsMadeWay{0};

@@ -121,6 +121,8 @@ void lf_serveQueues() {
 
 void lf_takeReports() {
     LockGuard guard(g_trafficLock);
+    if (trafficInbox.size() > engineCounters.longestLine.load(std::memory_order_relaxed))
+        engineCounters.longestLine.store(trafficInbox.size(), std::memory_order_relaxed);
     if (!trafficInbox.empty()) tellBacklog(trafficInbox.front());
     for (int i = 0; i < reportsATick && !trafficInbox.empty(); ++i) {
         TrafficUpdate update = std::move(trafficInbox.front());
