@@ -14,6 +14,7 @@ import time
 from concurrent.futures import ThreadPoolExecutor
 
 import airport_scenarios
+import fault_scenarios
 import panel_scenarios
 from harness import Failure, World
 
@@ -221,6 +222,7 @@ def refused_liveries(world):
 
 airport_scenarios.register(scenario, feed_line, stop_and_check)
 panel_scenarios.register(scenario, recording, feed_line)
+fault_scenarios.register(scenario, recording, stop_and_check)
 
 
 def loopback_up():

@@ -73,7 +73,7 @@ class Load:
     def observe(self, world, feed):
         seconds = self.options.seconds
         trace = self.folder / "trace.jsonl"
-        simulator = world.simulator("--fps", self.options.fps, "--trace", trace, "--trace-hz", "0.001")
+        simulator = world.simulator("--fps", self.options.fps, "--trace", trace, "--trace-hz", "0.1")
         program = world.program()
         pid = program.child.pid
         world.wait_for_log("Waiting for RealTraffic")
