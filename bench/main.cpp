@@ -1,5 +1,6 @@
 // Runs the measurements and prints their table. Options: --only WORD takes those whose name holds the word,
-// --write FILE puts the table between the marks of that file. Exit status 1 when a goal is missed.
+// --write FILE puts the table between the marks of that file, --rows FILE adds rows that were measured
+// elsewhere: a line "work<TAB>goal<TAB>measured<TAB>pass|MISS|" each. Exit status 1 when a goal is missed.
 #include <fmt/format.h>
 
 #include <cstdio>
@@ -37,7 +38,7 @@ constexpr Measurement measurements[] = {{"decode", decodeRows},
                                         {"panel", panelRows}};
 
 struct Options {
-    std::string only, file;
+    std::string only, file, more;
 };
 
 Rows measureAll(const std::string& only) {
@@ -53,6 +54,23 @@ Rows measureAll(const std::string& only) {
         }
     }
     return all;
+}
+
+/// Rows that other programs have measured.
+Rows readRows(const std::string& file) {
+    std::ifstream in(file);
+    require(in.is_open(), fmt::format("{} cannot be read", file));
+    Rows rows;
+    for (std::string line; std::getline(in, line);) {
+        std::vector<std::string> fields;
+        std::istringstream parts(line);
+        for (std::string field; std::getline(parts, field, '\t');) fields.push_back(field);
+        require(fields.size() == 3 || fields.size() == 4, fmt::format("no row: {}", line));
+        Row row{fields[0], fields[1], fields[2], std::nullopt};
+        if (fields.size() == 4) row.met = fields[3] == "pass";
+        rows.push_back(std::move(row));
+    }
+    return rows;
 }
 
 std::string tableText(const Rows& rows) {
@@ -87,8 +105,10 @@ void writeTable(const std::string& file, const std::string& table) {
 
 int run(const Options& options) {
     require(options.only.empty() || options.file.empty(), "a part of the table is not written");
-    const Rows rows = measureAll(options.only);
+    Rows rows = measureAll(options.only);
     require(rows.size() > 1, "no measurement of that name");
+    if (!options.more.empty())
+        for (Row& row : readRows(options.more)) rows.push_back(std::move(row));
     const std::string table =
         fmt::format("Measured on {}, {} hardware threads, g++ {}, the least of {} runs.\n\n{}",
                     gf_dateString(), std::thread::hardware_concurrency(), __VERSION__, runs, tableText(rows));
@@ -107,9 +127,9 @@ int main(int count, char** words) {
         for (int i = 1; i < count; ++i) {
             const std::string_view word = words[i];
             if (word == "--cold-start") return skl::bench::coldStartChild();
-            skl::bench::require((word == "--only" || word == "--write") && i + 1 < count,
-                                "usage: skylantern_bench [--only WORD] [--write FILE]");
-            (word == "--only" ? options.only : options.file) = words[++i];
+            skl::bench::require((word == "--only" || word == "--write" || word == "--rows") && i + 1 < count,
+                                "usage: skylantern_bench [--only WORD] [--write FILE] [--rows FILE]");
+            (word == "--only" ? options.only : word == "--write" ? options.file : options.more) = words[++i];
         }
         return skl::bench::run(options);
     } catch (const std::exception& error) {

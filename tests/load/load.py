@@ -46,7 +46,7 @@ def kernel_losses():
 class Load:
     def __init__(self, options):
         self.options = options
-        self.folder = pathlib.Path(options.folder)
+        self.folder = pathlib.Path(options.folder).resolve()
         self.folder.mkdir(parents=True, exist_ok=True)
         self.rows = []
 

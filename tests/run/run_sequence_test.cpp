@@ -115,6 +115,26 @@ TEST_F(RunTest, PauseStopsTimeAndResumeMakesNoJump) {
     EXPECT_EQ(motion["step"]["breaches"], 0) << motion["step"].dump();
 }
 
+TEST_F(RunTest, AClockThatIsSetMovesNoAircraft) {
+    startSimulator();
+    startRealTraffic();
+    sendTraffic(8, 300, 3);
+    // RealTraffic's stamps go on: it is the system's clock alone that jumps.
+    for (const auto& [moment, jump] : {std::pair{60.0, 3600.0}, {80.0, -7200.0}, {100.0, 86400.0 * 30}})
+        world->at(moment, [this, by = jump] {
+            world->jumpUtc(by);
+            feedShift -= by;
+        });
+    closeAt(160);
+    lf_run();
+    const auto report = simulatorReport();
+    EXPECT_EQ(report["created"], 3);
+    EXPECT_EQ(report["motion"]["step"]["breaches"], 0) << report["motion"]["step"].dump();
+    EXPECT_GT(report["posesReceived"], 3 * 30 * 100);
+    EXPECT_FALSE(logHas("xception"));
+    EXPECT_EQ(logCount("Flight not running"), 0);
+}
+
 TEST_F(RunTest, QuitIdlesUntilTheUserCloses) {
     startSimulator("40 quit\n");
     startRealTraffic();

@@ -28,6 +28,8 @@ class SteppedWorld : public Clock, public TaskRunner {
     void at(double seconds, std::function<void()> action);
     /// Does something again and again.
     void every(double seconds, std::function<void()> action);
+    /// Somebody sets the system's clock: UTC jumps, the steady clock goes on.
+    void jumpUtc(double seconds) { utcStart_ += toNanos(seconds); }
     double seconds() const { return std::chrono::duration<double>(now_).count(); }
     int liveTasks() const;
     /// A wait that passes this much of its time is a hang: the test ends with an exception.
