@@ -3,7 +3,7 @@
 `--near` reports a second come from `--aircraft` aircraft that circle round the user, each at its own distance between 5
 and 75 nautical miles; the outermost ones also move to and fro by a mile, so that the farthest is not always the same.
 `--far` reports a second come from aircraft that are out of range. `--from A --to B --burst R` puts R near reports a
-second between these seconds. All stamps are milliseconds apart, in order.
+second between these seconds, and `--after R` what comes behind them. All stamps are milliseconds apart, in order.
 """
 import argparse
 import math
@@ -48,7 +48,8 @@ def near_lines(options):
         yield at, line(4000000 + number, lat, lon, 10000 + 40 * number, track, speed, callsign(number),
                        KINDS[number % len(KINDS)][1], START + at)
         number = (number + 1) % options.aircraft
-        at += 1 / (options.burst if options.start <= at < options.end else options.near)
+        burst, over = options.start <= at < options.end, options.end and at >= options.end
+        at += 1 / (options.burst if burst else options.after if over else options.near)
 
 
 def far_lines(options):
@@ -69,6 +70,7 @@ def main():
     parser.add_argument("--from", dest="start", type=float, default=0)
     parser.add_argument("--to", dest="end", type=float, default=0)
     parser.add_argument("--burst", type=float, default=400)
+    parser.add_argument("--after", type=float, default=60)
     options = parser.parse_args()
     near, far = near_lines(options), far_lines(options)
     with open(options.file, "w", encoding="ascii") as file:
