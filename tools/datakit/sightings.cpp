@@ -1,0 +1,115 @@
+#include "tools/datakit/sightings.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "core/text.h"
+#include "tools/datakit/codes.h"
+#include "tools/datakit/csv.h"
+
+namespace skl::datakit {
+
+namespace {
+
+constexpr int halfHoursADay = 48;
+constexpr int32_t lastWeek = 1'000'000;
+constexpr std::array<std::string_view, 7> weekdays{"MONDAY", "TUESDAY",  "WEDNESDAY", "THURSDAY",
+                                                   "FRIDAY", "SATURDAY", "SUNDAY"};
+constexpr std::string_view privateAirline = "PVT";  // as the program calls whoever has no airline
+
+enum { airportColumn, registration, airline, type, callsign, weekday, halfHours, standColumn, weekColumn };
+
+/// The whole text as a number of 0 to `highest`; -1 for another.
+int wholeOf(std::string_view text, int highest) {
+    int value = -1;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    const bool whole = result.ec == std::errc{} && result.ptr == text.data() + text.size();
+    return whole && value >= 0 && value <= highest ? value : -1;
+}
+
+/// What is wrong with a row; empty if nothing is.
+std::string fill(const CsvTable& table, Sighting& sighting) {
+    sighting.cs = gf_upper(table[callsign]);
+    if (const size_t colon = sighting.cs.find(':'); colon != std::string::npos) {
+        sighting.cs2 = gf_trim(sighting.cs.substr(colon + 1));
+        sighting.cs = gf_trim(sighting.cs.substr(0, colon));
+    }
+    sighting.reg = gf_upper(table[registration]);
+    if (sighting.reg.empty()) sighting.reg = sighting.cs;
+    if (sighting.reg.empty()) return "neither a registration nor a callsign";
+    const auto airl = table[airline].empty() ? std::string(privateAirline) : airlineCode(table[airline]);
+    if (!airl) return fmt::format("'{}' is no code of an airline", table[airline]);
+    sighting.airl = *airl;
+    const auto model = typeCode(table[type]);
+    if (!model) return fmt::format("'{}' is no designator of a type", table[type]);
+    sighting.type = *model;
+    sighting.day = weekdayOf(table[weekday]);
+    if (sighting.day == 0) return fmt::format("'{}' is no weekday", table[weekday]);
+    sighting.hours = halfHoursOf(table[halfHours]);
+    if (sighting.hours == 0) return fmt::format("'{}' is no list of half hours, 0 to 47", table[halfHours]);
+    if (!table[weekColumn].empty()) {
+        sighting.week = wholeOf(table[weekColumn], lastWeek);
+        if (sighting.week < 0) return fmt::format("'{}' is no number of a week", table[weekColumn]);
+    }
+    sighting.stand = table[standColumn];
+    return {};
+}
+
+}  // namespace
+
+int32_t weekdayOf(std::string_view text) {
+    if (const int number = wholeOf(text, 7); number > 0) return number;
+    const std::string name = gf_upper(text);
+    if (name.size() < 3) return 0;
+    for (size_t i = 0; i < weekdays.size(); ++i)
+        if (weekdays[i].starts_with(name)) return static_cast<int32_t>(i + 1);
+    return 0;
+}
+
+uint64_t halfHoursOf(std::string_view text) {
+    constexpr std::string_view dividers = ",; \t";
+    uint64_t hours = 0;
+    while (!text.empty()) {
+        const std::string_view item = text.substr(0, text.find_first_of(dividers));
+        text.remove_prefix(std::min(item.size() + 1, text.size()));
+        if (item.empty()) continue;
+        const size_t dash = item.find('-');
+        const int first = wholeOf(item.substr(0, dash), halfHoursADay - 1);
+        const int last = dash == item.npos ? first : wholeOf(item.substr(dash + 1), halfHoursADay - 1);
+        if (first < 0 || last < 0) return 0;
+        for (int i = first;; i = (i + 1) % halfHoursADay) {
+            hours |= uint64_t{1} << i;
+            if (i == last) break;
+        }
+    }
+    return hours;
+}
+
+void readSightings(SourceFile& file, const std::string& airport, int32_t week,
+                   SightingsByAirport& sightings) {
+    CsvTable table(file, {{"airport", airport.empty(), {"icao"}},
+                          {"registration", true, {"reg"}},
+                          {"airline", true, {"airl"}},
+                          {"type", true},
+                          {"callsign", false, {"cs"}},
+                          {"weekday", true, {"day"}},
+                          {"half_hours", true, {"hh"}},
+                          {"stand"},
+                          {"week"}});
+    while (table.next()) {
+        const auto code =
+            table.has(airportColumn) ? airportCode(table[airportColumn]) : std::optional(airport);
+        Sighting sighting{.place = table.at(), .week = week};
+        std::string wrong =
+            code ? fill(table, sighting) : fmt::format("'{}' is no code of an airport", table[airportColumn]);
+        if (wrong.empty())
+            sightings[*code].push_back(std::move(sighting));
+        else
+            file.findings().tell("sightings", table.at(), wrong + ": left out");
+    }
+}
+
+}  // namespace skl::datakit
