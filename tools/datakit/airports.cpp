@@ -183,12 +183,11 @@ Command airportsCommand() {
          .arguments = "SOURCE ...",
          .summary = "the index of airports and their names, out of CSV and apt.dat",
          .text =
-             "Merges the sources to DIR/airports_msfs.xml and DIR/airports_msfs_names.xml. A source is a "
-             "table\n"
-             "with the columns ident, latitude_deg, longitude_deg and, if it has them, elevation_ft, name,\n"
-             "iata_code and type, or an apt.dat of format 1000 to 1200. The order decides: where an airport\n"
-             "lies is told by the first source that has it; later ones add a name, an IATA code or an\n"
-             "elevation that it leaves open.",
+             R"(Merges the sources to DIR/airports_msfs.xml and DIR/airports_msfs_names.xml. A source is a table
+with the columns ident, latitude_deg, longitude_deg and, if it has them, elevation_ft, name,
+iata_code and type, or an apt.dat of format 1000 to 1200. The order decides: where an airport lies
+is told by the first source that has it; later ones add a name, an IATA code or an elevation that it
+leaves open.)",
          .options = {{"--out", "DIR", "where the two files go"},
                      {"--keep-closed", "", "takes rows of the type 'closed' too"}}},
         makeAirports};

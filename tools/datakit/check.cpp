@@ -309,14 +309,15 @@ int checkSite(Job& job) {
 }  // namespace
 
 Command checkCommand() {
-    return {{.name = "check",
-             .arguments = "SITE",
-             .summary = "reads a whole site as the program would, and tells what it refuses",
-             .text = "Lets the program's own readers read all that lies below SITE/downloads. Status 1 when "
-                     "they refuse\n"
-                     "anything; what they only complain of, and links to files that are not there, is told.",
-             .options = {}},
-            checkSite};
+    return {
+        {.name = "check",
+         .arguments = "SITE",
+         .summary = "reads a whole site as the program would, and tells what it refuses",
+         .text =
+             R"(Lets the program's own readers read all that lies below SITE/downloads. Status 1 when they refuse
+anything; what they only complain of, and links to files that are not there, is told.)",
+         .options = {}},
+        checkSite};
 }
 
 }  // namespace skl::datakit

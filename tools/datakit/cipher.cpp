@@ -51,21 +51,22 @@ Command encipherCommand() {
          .arguments = "SOURCE DESTINATION",
          .summary = "a plain data file to one that the program opens",
          .text =
-             "Enciphers SOURCE, such as dbase.xml, to DESTINATION, such as dbase.enc, with the key that the\n"
-             "program was built with.",
+             R"(Enciphers SOURCE, such as dbase.xml, to DESTINATION, such as dbase.enc, with the key that the
+program was built with.)",
          .options = {}},
         encipher};
 }
 
 Command decipherCommand() {
-    return {{.name = "decipher",
-             .arguments = "SOURCE DESTINATION",
-             .summary = "the other way round",
-             .text = "Deciphers SOURCE, such as dbase.enc, to DESTINATION. A file that was made with another "
-                     "key, or\n"
-                     "has been changed, is refused.",
-             .options = {}},
-            decipher};
+    return {
+        {.name = "decipher",
+         .arguments = "SOURCE DESTINATION",
+         .summary = "the other way round",
+         .text =
+             R"(Deciphers SOURCE, such as dbase.enc, to DESTINATION. A file that was made with another key, or has
+been changed, is refused.)",
+         .options = {}},
+        decipher};
 }
 
 }  // namespace skl::datakit

@@ -136,6 +136,16 @@ bool CsvTable::split(std::string_view record) {
     }
 }
 
+std::vector<std::string> itemsOf(std::string_view text, std::string_view dividers) {
+    std::vector<std::string> items;
+    while (!text.empty()) {
+        const std::string_view item = text.substr(0, text.find_first_of(dividers));
+        text.remove_prefix(std::min(item.size() + 1, text.size()));
+        if (std::string trimmed = gf_trim(item); !trimmed.empty()) items.push_back(std::move(trimmed));
+    }
+    return items;
+}
+
 bool isYes(std::string_view text) {
     return gf_parseBool(text) || text.starts_with('x') || text.starts_with('X');
 }

@@ -48,4 +48,7 @@ class CsvTable {
 /// 1 t T y Y begin a yes, as in the program's own files, and so does x; another text is a no.
 bool isYes(std::string_view text);
 
+/// The items of a field that is a list, between commas, semicolons and blanks.
+std::vector<std::string> itemsOf(std::string_view text, std::string_view dividers = ",; \t");
+
 }  // namespace skl::datakit

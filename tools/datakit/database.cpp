@@ -48,9 +48,9 @@ Command databaseCommand() {
         {.name = "database",
          .arguments = "",
          .summary = "the reference database: types, airlines, registrations",
-         .text = "Writes dbase.xml out of tables, and tells what is inconsistent in them. Each option may be "
-                 "given\n"
-                 "several times; of what stands twice the first is kept.",
+         .text =
+             R"(Writes dbase.xml out of tables, and tells what is inconsistent in them. Each option may be given
+several times; of what stands twice the first is kept.)",
          .options = {{"--out", "FILE", "dbase.xml"},
                      {"--types", "FILE", "type, category (light, business, large, heavy, high_performance,"},
                      {"", "", "rotorcraft), span (metres), cargo, similar (list of types)"},

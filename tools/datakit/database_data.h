@@ -86,8 +86,6 @@ void checkDatabase(Database& database, Findings& findings);
 /// type, and is told. Throws Failure without types or airlines.
 std::string databaseXml(const Database& database, Findings& findings);
 
-/// The items between commas, semicolons and blanks.
-std::vector<std::string> itemsOf(std::string_view text, std::string_view dividers = ",; \t");
 /// A registration in upper case: 2 to 12 letters, digits and hyphens.
 std::optional<std::string> registrationOf(std::string_view text);
 

@@ -49,16 +49,6 @@ std::string withoutCommas(std::string_view text) {
 
 }  // namespace
 
-std::vector<std::string> itemsOf(std::string_view text, std::string_view dividers) {
-    std::vector<std::string> items;
-    while (!text.empty()) {
-        const std::string_view item = text.substr(0, text.find_first_of(dividers));
-        text.remove_prefix(std::min(item.size() + 1, text.size()));
-        if (std::string trimmed = gf_trim(item); !trimmed.empty()) items.push_back(std::move(trimmed));
-    }
-    return items;
-}
-
 void readTypes(SourceFile& file, Database& database) {
     enum { type, category, span, cargo, similar };
     CsvTable table(file, {{"type", true, {"icao", "icao_type", "designator"}},

@@ -135,10 +135,9 @@ Command regcodesCommand() {
          .arguments = "TABLE ...",
          .summary = "registration codes: which livery belongs to which aircraft",
          .text =
-             "Writes AIG-regcodes.xml out of tables with the columns title, registrations (a list) and, if "
-             "they\n"
-             "have it, special (the livery is for these aircraft alone). A title without registrations is\n"
-             "never used. A registration belongs to the first title that has it.",
+             R"(Writes AIG-regcodes.xml out of tables with the columns title, registrations (a list) and, if they
+have it, special (the livery is for these aircraft alone). A title without registrations is never
+used. A registration belongs to the first title that has it.)",
          .options = {{"--out", "FILE", "AIG-regcodes.xml"},
                      {"--database", "FILE", "dbase.xml: tells registrations that it does not know"}}},
         makeRegcodes};

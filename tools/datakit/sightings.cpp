@@ -30,6 +30,32 @@ int wholeOf(std::string_view text, int highest) {
     return whole && value >= 0 && value <= highest ? value : -1;
 }
 
+/// "1", "Mon" or "monday"; -1 for a text that is no weekday.
+int weekdayOf(std::string_view text) {
+    if (const int number = wholeOf(text, 7); number > 0) return number;
+    const std::string name = gf_upper(text);
+    for (size_t i = 0; name.size() >= 3 && i < weekdays.size(); ++i)
+        if (weekdays[i].starts_with(name)) return static_cast<int>(i + 1);
+    return -1;
+}
+
+/// Numbers and ranges of them, which may run over the end to the beginning; 0 if one of them is none.
+template <class Read>
+uint64_t setOf(std::string_view text, int lowest, int highest, Read read) {
+    uint64_t set = 0;
+    for (const std::string& item : itemsOf(text)) {
+        const size_t dash = item.find('-');
+        const int first = read(std::string_view(item).substr(0, dash));
+        const int last = dash == item.npos ? first : read(std::string_view(item).substr(dash + 1));
+        if (first < 0 || last < 0) return 0;
+        for (int i = first;; i = i == highest ? lowest : i + 1) {
+            set |= uint64_t{1} << i;
+            if (i == last) break;
+        }
+    }
+    return set;
+}
+
 /// What is wrong with a row; empty if nothing is.
 std::string fill(const CsvTable& table, Sighting& sighting) {
     sighting.cs = gf_upper(table[callsign]);
@@ -46,8 +72,7 @@ std::string fill(const CsvTable& table, Sighting& sighting) {
     const auto model = typeCode(table[type]);
     if (!model) return fmt::format("'{}' is no designator of a type", table[type]);
     sighting.type = *model;
-    sighting.day = weekdayOf(table[weekday]);
-    if (sighting.day == 0) return fmt::format("'{}' is no weekday", table[weekday]);
+    if (weekdaysOf(table[weekday]) == 0) return fmt::format("'{}' is no weekday", table[weekday]);
     sighting.hours = halfHoursOf(table[halfHours]);
     if (sighting.hours == 0) return fmt::format("'{}' is no list of half hours, 0 to 47", table[halfHours]);
     if (!table[weekColumn].empty()) {
@@ -60,32 +85,13 @@ std::string fill(const CsvTable& table, Sighting& sighting) {
 
 }  // namespace
 
-int32_t weekdayOf(std::string_view text) {
-    if (const int number = wholeOf(text, 7); number > 0) return number;
-    const std::string name = gf_upper(text);
-    if (name.size() < 3) return 0;
-    for (size_t i = 0; i < weekdays.size(); ++i)
-        if (weekdays[i].starts_with(name)) return static_cast<int32_t>(i + 1);
-    return 0;
+uint32_t weekdaysOf(std::string_view text) {
+    return static_cast<uint32_t>(setOf(text, 1, 7, weekdayOf));
 }
 
 uint64_t halfHoursOf(std::string_view text) {
-    constexpr std::string_view dividers = ",; \t";
-    uint64_t hours = 0;
-    while (!text.empty()) {
-        const std::string_view item = text.substr(0, text.find_first_of(dividers));
-        text.remove_prefix(std::min(item.size() + 1, text.size()));
-        if (item.empty()) continue;
-        const size_t dash = item.find('-');
-        const int first = wholeOf(item.substr(0, dash), halfHoursADay - 1);
-        const int last = dash == item.npos ? first : wholeOf(item.substr(dash + 1), halfHoursADay - 1);
-        if (first < 0 || last < 0) return 0;
-        for (int i = first;; i = (i + 1) % halfHoursADay) {
-            hours |= uint64_t{1} << i;
-            if (i == last) break;
-        }
-    }
-    return hours;
+    return setOf(text, 0, halfHoursADay - 1,
+                 [](std::string_view item) { return wholeOf(item, halfHoursADay - 1); });
 }
 
 void readSightings(SourceFile& file, const std::string& airport, int32_t week,
@@ -105,10 +111,13 @@ void readSightings(SourceFile& file, const std::string& airport, int32_t week,
         Sighting sighting{.place = table.at(), .week = week};
         std::string wrong =
             code ? fill(table, sighting) : fmt::format("'{}' is no code of an airport", table[airportColumn]);
-        if (wrong.empty())
-            sightings[*code].push_back(std::move(sighting));
-        else
+        if (!wrong.empty()) {
             file.findings().tell("sightings", table.at(), wrong + ": left out");
+            continue;
+        }
+        const uint32_t days = weekdaysOf(table[weekday]);
+        for (sighting.day = 1; sighting.day <= 7; ++sighting.day)
+            if (days >> sighting.day & 1) sightings[*code].push_back(sighting);
     }
 }
 

@@ -27,8 +27,8 @@ using SightingsByAirport = StringMap<std::vector<Sighting>>;
 /// Appends what a file holds. `airport`: whose sightings they are where the file has no such column. `week`:
 /// the same for the week. A row that makes no sense is told and left out.
 void readSightings(SourceFile& file, const std::string& airport, int32_t week, SightingsByAirport& sightings);
-/// "1", "Mon" or "monday"; 0 for a text that is no weekday.
-int32_t weekdayOf(std::string_view text);
+/// "1", "Mon", "monday,sat" or "1-5": bit n is day n; 0 for a text with anything else in it.
+uint32_t weekdaysOf(std::string_view text);
 /// "0,1,47", "12-17" or "22-3" over midnight, divided by commas, semicolons or blanks; 0 for a text with
 /// anything else in it.
 uint64_t halfHoursOf(std::string_view text);

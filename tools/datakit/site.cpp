@@ -202,23 +202,24 @@ class SiteJob {
 }  // namespace
 
 Command siteCommand() {
-    return {{.name = "site",
-             .arguments = "",
-             .summary = "lays out the tree of a data site, for any static web server",
-             .text = "Puts what is named below SITE/downloads, enciphers what the program wants enciphered, "
-                     "and raises\n"
-                     "the versions of what has changed. What is there and not named stays.",
-             .options = {{"--out", "SITE", "the folder that a web server serves"},
-                         {"--airports", "DIR", "with airports_msfs.xml and airports_msfs_names.xml"},
-                         {"--database", "FILE", "dbase.xml"},
-                         {"--regcodes", "FILE", "AIG-regcodes.xml"},
-                         {"--stock", "DIR", "stock airport files"},
-                         {"--simaddon", "DIR", "airport files for airports that come with the simulator"},
-                         {"--simaddon24", "CODES", "of those, the ones of MSFS 2024: made into its pack"},
-                         {"--thirdparty", "DIR", "a folder a publisher, with airport files for MSFS 2020"},
-                         {"--thirdparty24", "DIR", "the same for MSFS 2024"},
-                         {"--raise", "PART", "of a version: major, minor or patch (the default)"}}},
-            [](Job& job) { return SiteJob(job).run(); }};
+    return {
+        {.name = "site",
+         .arguments = "",
+         .summary = "lays out the tree of a data site, for any static web server",
+         .text =
+             R"(Puts what is named below SITE/downloads, enciphers what the program wants enciphered, and raises the
+versions of what has changed. What is there and not named stays.)",
+         .options = {{"--out", "SITE", "the folder that a web server serves"},
+                     {"--airports", "DIR", "with airports_msfs.xml and airports_msfs_names.xml"},
+                     {"--database", "FILE", "dbase.xml"},
+                     {"--regcodes", "FILE", "AIG-regcodes.xml"},
+                     {"--stock", "DIR", "stock airport files"},
+                     {"--simaddon", "DIR", "airport files for airports that come with the simulator"},
+                     {"--simaddon24", "CODES", "of those, the ones of MSFS 2024: made into its pack"},
+                     {"--thirdparty", "DIR", "a folder a publisher, with airport files for MSFS 2020"},
+                     {"--thirdparty24", "DIR", "the same for MSFS 2024"},
+                     {"--raise", "PART", "of a version: major, minor or patch (the default)"}}},
+        [](Job& job) { return SiteJob(job).run(); }};
 }
 
 }  // namespace skl::datakit

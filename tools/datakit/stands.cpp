@@ -149,19 +149,14 @@ Command standsCommand() {
          .arguments = "SOURCE ...",
          .summary = "stock airport files, out of apt.dat, generated airport files and sightings",
          .text =
-             "Writes DIR/<code>.xml for each airport that has stands in a source: an apt.dat (rows 15, 1300\n"
-             "and 1301), an airport file such as the program generates from scenery, or a folder of those. "
-             "The\n"
-             "first source with stands of an airport has it whole. Radii follow the size letters; a stand\n"
-             "without one takes the letter that its kind and aircraft suggest. Sightings are a table with "
-             "the\n"
-             "columns airport, registration, airline, type, callsign, weekday (1 Monday), half_hours (0 to "
-             "47,\n"
-             "such as \"12-17,40\"), stand and, if it has it, week. Where the stand is empty, one is looked "
-             "for\n"
-             "that fits, which needs --database; such options are soft ones. Quality factors and traffic "
-             "week\n"
-             "are those of the sightings that were used.",
+             R"(Writes DIR/<code>.xml for each airport that has stands in a source: an apt.dat (rows 15, 1300 and
+1301), an airport file such as the program generates from scenery, or a folder of those. The first
+source with stands of an airport has it whole. Radii follow the size letters; a stand without one
+takes the letter that its kind and aircraft suggest. Sightings are a table with the columns airport,
+registration, airline, type, callsign, weekday (1 Monday), half_hours (0 to 47, such as "12-17,40"),
+stand and, if it has it, week. Where the stand is empty, one is looked for that fits, which needs
+--database; such options are soft ones. Quality factors and traffic week are those of the sightings
+that were used.)",
          .options = {{"--out", "DIR", "where the files go"},
                      {"--sightings", "FILE", "what was seen; may be given several times"},
                      {"--week", "N", "week of the traffic, for sightings without that column"},

@@ -153,16 +153,16 @@ std::vector<std::string> raiseVersions(const fs::path& downloads, Raise raise) {
 }
 
 Command versionsCommand() {
-    return {{.name = "versions",
-             .arguments = "SITE",
-             .summary = "raises the versions of the data files that have changed",
-             .text = "Compares dbase.enc, AIG-regcodes.enc and the pack of add-on airports below "
-                     "SITE/downloads with what\n"
-                     "they held when their versions were raised last, and raises those that differ in "
-                     "versions.json. A\n"
-                     "program fetches a file when its version is above the one that it has.",
-             .options = {{"--raise", "PART", "major, minor or patch (the default)"}}},
-            makeVersions};
+    return {
+        {.name = "versions",
+         .arguments = "SITE",
+         .summary = "raises the versions of the data files that have changed",
+         .text =
+             R"(Compares dbase.enc, AIG-regcodes.enc and the pack of add-on airports below SITE/downloads with what
+they held when their versions were raised last, and raises those that differ in versions.json. A
+program fetches a file when its version is above the one that it has.)",
+         .options = {{"--raise", "PART", "major, minor or patch (the default)"}}},
+        makeVersions};
 }
 
 }  // namespace skl::datakit
