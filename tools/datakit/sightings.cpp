@@ -14,7 +14,7 @@ namespace skl::datakit {
 
 namespace {
 
-constexpr int halfHoursADay = 48;
+constexpr int lastHalfHour = 47, sunday = 7;
 constexpr int32_t lastWeek = 1'000'000;
 constexpr std::array<std::string_view, 7> weekdays{"MONDAY", "TUESDAY",  "WEDNESDAY", "THURSDAY",
                                                    "FRIDAY", "SATURDAY", "SUNDAY"};
@@ -39,21 +39,29 @@ int weekdayOf(std::string_view text) {
     return -1;
 }
 
-/// Numbers and ranges of them, which may run over the end to the beginning; 0 if one of them is none.
-template <class Read>
-uint64_t setOf(std::string_view text, int lowest, int highest, Read read) {
+/// The bits of `first` to `last`.
+uint64_t bits(int first, int last) {
     uint64_t set = 0;
-    for (const std::string& item : itemsOf(text)) {
+    for (int i = first; i <= last; ++i) set |= uint64_t{1} << i;
+    return set;
+}
+
+/// Hands each number, or range of them, of a list to `take`; false if one of them is none.
+template <class Read, class Take>
+bool eachRange(std::string_view text, Read read, Take take) {
+    const auto items = itemsOf(text);
+    for (const std::string& item : items) {
         const size_t dash = item.find('-');
         const int first = read(std::string_view(item).substr(0, dash));
         const int last = dash == item.npos ? first : read(std::string_view(item).substr(dash + 1));
-        if (first < 0 || last < 0) return 0;
-        for (int i = first;; i = i == highest ? lowest : i + 1) {
-            set |= uint64_t{1} << i;
-            if (i == last) break;
-        }
+        if (first < 0 || last < 0) return false;
+        take(first, last);
     }
-    return set;
+    return !items.empty();
+}
+
+int halfHourOf(std::string_view text) {
+    return wholeOf(text, lastHalfHour);
 }
 
 /// What is wrong with a row; empty if nothing is.
@@ -73,8 +81,8 @@ std::string fill(const CsvTable& table, Sighting& sighting) {
     if (!model) return fmt::format("'{}' is no designator of a type", table[type]);
     sighting.type = *model;
     if (weekdaysOf(table[weekday]) == 0) return fmt::format("'{}' is no weekday", table[weekday]);
-    sighting.hours = halfHoursOf(table[halfHours]);
-    if (sighting.hours == 0) return fmt::format("'{}' is no list of half hours, 0 to 47", table[halfHours]);
+    if (halfHoursOf(table[halfHours]) == HalfHours{})
+        return fmt::format("'{}' is no list of half hours, 0 to 47", table[halfHours]);
     if (!table[weekColumn].empty()) {
         sighting.week = wholeOf(table[weekColumn], lastWeek);
         if (sighting.week < 0) return fmt::format("'{}' is no number of a week", table[weekColumn]);
@@ -83,15 +91,30 @@ std::string fill(const CsvTable& table, Sighting& sighting) {
     return {};
 }
 
+void add(Sighting sighting, int day, uint64_t hours, std::vector<Sighting>& all) {
+    if (hours == 0) return;
+    sighting.day = day;
+    sighting.hours = hours;
+    all.push_back(std::move(sighting));
+}
+
 }  // namespace
 
 uint32_t weekdaysOf(std::string_view text) {
-    return static_cast<uint32_t>(setOf(text, 1, 7, weekdayOf));
+    uint64_t days = 0;
+    const bool whole = eachRange(text, weekdayOf, [&days](int first, int last) {
+        days |= first <= last ? bits(first, last) : bits(first, sunday) | bits(1, last);
+    });
+    return whole ? static_cast<uint32_t>(days) : 0;
 }
 
-uint64_t halfHoursOf(std::string_view text) {
-    return setOf(text, 0, halfHoursADay - 1,
-                 [](std::string_view item) { return wholeOf(item, halfHoursADay - 1); });
+HalfHours halfHoursOf(std::string_view text) {
+    HalfHours hours;
+    const bool whole = eachRange(text, halfHourOf, [&hours](int first, int last) {
+        hours.today |= bits(first, first <= last ? last : lastHalfHour);
+        if (first > last) hours.tomorrow |= bits(0, last);
+    });
+    return whole ? hours : HalfHours{};
 }
 
 void readSightings(SourceFile& file, const std::string& airport, int32_t week,
@@ -116,8 +139,12 @@ void readSightings(SourceFile& file, const std::string& airport, int32_t week,
             continue;
         }
         const uint32_t days = weekdaysOf(table[weekday]);
-        for (sighting.day = 1; sighting.day <= 7; ++sighting.day)
-            if (days >> sighting.day & 1) sightings[*code].push_back(sighting);
+        const HalfHours hours = halfHoursOf(table[halfHours]);
+        for (int day = 1; day <= sunday; ++day) {
+            if ((days >> day & 1) == 0) continue;
+            add(sighting, day, hours.today, sightings[*code]);
+            add(sighting, day % sunday + 1, hours.tomorrow, sightings[*code]);
+        }
     }
 }
 

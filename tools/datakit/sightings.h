@@ -29,8 +29,12 @@ using SightingsByAirport = StringMap<std::vector<Sighting>>;
 void readSightings(SourceFile& file, const std::string& airport, int32_t week, SightingsByAirport& sightings);
 /// "1", "Mon", "monday,sat" or "1-5": bit n is day n; 0 for a text with anything else in it.
 uint32_t weekdaysOf(std::string_view text);
-/// "0,1,47", "12-17" or "22-3" over midnight, divided by commas, semicolons or blanks; 0 for a text with
-/// anything else in it.
-uint64_t halfHoursOf(std::string_view text);
+struct HalfHours {
+    uint64_t today = 0, tomorrow = 0;
+    bool operator==(const HalfHours&) const = default;
+};
+/// "0,1,47", "12-17" or "44-3", which runs over midnight, divided by commas, semicolons or blanks; nothing
+/// set for a text with anything else in it.
+HalfHours halfHoursOf(std::string_view text);
 
 }  // namespace skl::datakit
