@@ -93,7 +93,7 @@ bool CsvTable::readRecord() {
     while (file_.next(line)) {
         line_ = line.number;
         open_ = line.open;
-        if (split(line.text)) return true;
+        if (split(line.text, false)) return true;
         // The quote may close in one of the lines that follow.
         std::string record = line.text;
         std::vector<Line> followers;
@@ -102,7 +102,7 @@ bool CsvTable::readRecord() {
             open_ = follower.open;
             record += '\n';
             record += follower.text;
-            if (follower.text.find('"') != std::string::npos && split(record)) return true;
+            if (follower.text.find('"') != std::string::npos && split(record, true)) return true;
         }
         file_.findings().tell("rows of another form", at(), "a quote is never closed: the line is left out");
         file_.putBack(followers);
@@ -110,8 +110,9 @@ bool CsvTable::readRecord() {
     return false;
 }
 
-/// Fills the fields; false while a quote is open.
-bool CsvTable::split(std::string_view record) {
+/// Fills the fields; false while a quote is open. Over several lines a quote that closes within a field is
+/// the opening one of another row, and the first was never closed.
+bool CsvTable::split(std::string_view record, bool severalLines) {
     fieldCount_ = 0;
     size_t at = 0;
     for (;;) {
@@ -130,6 +131,7 @@ bool CsvTable::split(std::string_view record) {
         }
         // What follows a closing quote up to the divider belongs to the field, as spreadsheets take it.
         const size_t end = std::min(record.find(divider_, at), record.size());
+        if (severalLines && end != at && !field.empty()) return false;
         field += record.substr(at, end - at);
         if (end == record.size()) return true;
         at = end + 1;

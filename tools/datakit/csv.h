@@ -32,7 +32,7 @@ class CsvTable {
     static constexpr size_t npos = static_cast<size_t>(-1);
     /// False at the end of the file.
     bool readRecord();
-    bool split(std::string_view record);
+    bool split(std::string_view record, bool severalLines);
     bool plausible();
 
     SourceFile& file_;
