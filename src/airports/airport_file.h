@@ -14,6 +14,10 @@
 
 #include "core/geodesy.h"
 
+namespace pugi {
+class xml_document;
+}
+
 namespace skl {
 
 /// A stay of a live aircraft that has not ended yet.
@@ -75,7 +79,8 @@ struct AirportFile {
     std::vector<Stand> stands;
 };
 
-enum class ApfMode { learned = 0, generated = 1 };
+/// `stock`: what a data site serves, stands and options with the figures of the file.
+enum class ApfMode { learned = 0, generated = 1, stock = 2 };
 
 /// The file of an airport: a name that begins with "airports" (local) or a site path; empty if there is none.
 std::string gf_findAirportFile(const std::string& code);
@@ -93,6 +98,8 @@ void lf_readLearned(const std::filesystem::path& path, AirportFile& airportFile,
                     bool& handmade);
 /// Where the learned file of an archived file lies. The publisher is cleaned of separators and "..".
 std::filesystem::path gf_learnedPath(std::string_view fileName, std::string_view publisher);
+/// The document of `file` and its stands, for a writer of its own; false if that failed.
+bool lf_apfDocument(const AirportFile& file, ApfMode mode, pugi::xml_document& document);
 /// Writes `file` and its stands in one step; false if that failed.
 bool gf_writeApf(const AirportFile& file, const std::filesystem::path& path, ApfMode mode);
 /// How well the stands are known, over their options.

@@ -1,4 +1,5 @@
-// Writing an airport file: a generated one with its stands, or a learned one with what the archived lacks.
+// Writing an airport file: a generated one with its stands, a learned one with what the archived lacks, or a
+// stock one with all there is.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -26,7 +27,7 @@ bool carriesOption(const Stand& stand) {
 }
 
 Part partOf(const Stand& stand, const AirportFile& file, ApfMode mode) {
-    if (mode == ApfMode::generated || file.handmade || stand.manual) return Part::all;
+    if (mode != ApfMode::learned || file.handmade || stand.manual) return Part::all;
     if (stand.radiusChanged || stand.cargoChanged) return Part::changes;
     return carriesOption(stand) ? Part::options : Part::nothing;
 }
@@ -67,9 +68,10 @@ void writeChanges(pugi::xml_node node, const Stand& stand) {
     }
 }
 
-void writeOption(pugi::xml_node node, const StandOption& option) {
+void writeOption(pugi::xml_node node, const StandOption& option, ApfMode mode) {
     set(node, "reg", option.reg);
-    if (!gf_dbaseLookup(option.reg)) {
+    // Whoever reads a stock file may have another database.
+    if (mode == ApfMode::stock || !gf_dbaseLookup(option.reg)) {
         set(node, "airl", option.airl);
         set(node, "type", option.type);
     }
@@ -86,7 +88,7 @@ void writeStand(pugi::xml_node parent, const Stand& stand, Part part, ApfMode mo
     if (part == Part::changes) writeChanges(node, stand);
     if (mode == ApfMode::generated) return;
     for (const StandOption& option : stand.options)
-        if (option.optionId != 0) writeOption(node.append_child("opt"), option);
+        if (option.optionId != 0) writeOption(node.append_child("opt"), option, mode);
 }
 
 void writeRows(pugi::xml_node parameters, const AirportFile& file, size_t standCount, ApfMode mode) {
@@ -94,13 +96,15 @@ void writeRows(pugi::xml_node parameters, const AirportFile& file, size_t standC
     lf_appendRow(parameters, "airport_name", file.airportName);
     lf_appendRow(parameters, "publisher", file.publisher);
     if (handmade) lf_appendRow(parameters, "handmade", "true");
-    if (handmade || mode == ApfMode::generated)
+    if (handmade || mode != ApfMode::learned)
         lf_appendRow(parameters, "altitude", std::to_string(file.altitude));
     lf_appendRow(parameters, "num_parkpos", std::to_string(standCount));
-    if (handmade) {
+    if (handmade || mode == ApfMode::stock) {
         lf_appendRow(parameters, "Qf_real", std::to_string(file.qfReal));
         lf_appendRow(parameters, "Qf_soft", std::to_string(file.qfSoft));
     }
+    if (mode == ApfMode::stock && file.trafficWeek > 0)
+        lf_appendRow(parameters, "RT_traffic_week", std::to_string(file.trafficWeek));
     if (file.publisher == "unknown") {
         lf_appendRow(parameters, "BGLpath", file.bglPath);
         lf_appendRow(parameters, "manufacturer", file.manufacturer);
@@ -111,8 +115,7 @@ void writeRows(pugi::xml_node parameters, const AirportFile& file, size_t standC
 
 }  // namespace
 
-bool gf_writeApf(const AirportFile& file, const std::filesystem::path& path, ApfMode mode) {
-    pugi::xml_document document;
+bool lf_apfDocument(const AirportFile& file, ApfMode mode, pugi::xml_document& document) {
     if (!gf_writeMeta(document)) return false;
     pugi::xml_node parameters = document.append_child("parameters");
     pugi::xml_node parkpositions = document.append_child("parkpositions");
@@ -124,7 +127,12 @@ bool gf_writeApf(const AirportFile& file, const std::filesystem::path& path, Apf
         ++written;
     }
     writeRows(parameters, file, written, mode);
-    return gf_saveXml(document, path);
+    return true;
+}
+
+bool gf_writeApf(const AirportFile& file, const std::filesystem::path& path, ApfMode mode) {
+    pugi::xml_document document;
+    return lf_apfDocument(file, mode, document) && gf_saveXml(document, path);
 }
 
 }  // namespace skl

@@ -45,22 +45,6 @@ void sayUpdated(const char* member, VersionData version) {
     gf_log(fmt::format("{} updated to {}", member, version.text()));
 }
 
-/// The version that the site has of a member; nothing, with a line, if the file does not tell it.
-std::optional<VersionData> remoteVersion(const Json& versions, const char* member) {
-    VersionData version;
-    bool told = versions.is_object() && versions.contains(member) && versions[member].is_object();
-    for (const auto& [part, number] :
-         {std::pair{"major", &version.major}, {"minor", &version.minor}, {"patch", &version.patch}}) {
-        told = told && versions[member].contains(part) && versions[member][part].is_number_integer();
-        const int64_t value = told ? versions[member][part].get<int64_t>() : 0;
-        told = told && value >= 0 && value <= std::numeric_limits<int32_t>::max();
-        *number = static_cast<int32_t>(value);
-    }
-    if (told) return version;
-    gf_logError(fmt::format("{} version not found", member));
-    return std::nullopt;
-}
-
 void store(StringParameter& parameter, VersionData version) {
     parameter.set(version.text());
     gf_saveParameter(parameter);
@@ -74,7 +58,7 @@ bool isThere(const fs::path& path) {
 }
 
 void updateFile(const Json& versions, const DataFile& file) {
-    const auto remote = remoteVersion(versions, file.member);
+    const auto remote = lf_toldVersion(versions, file.member);
     if (!remote || gf_stopping()) return;
     if (*remote <= VersionData::parse(file.version.get()) && isThere(file.path)) {
         sayUpToDate(file.member);
@@ -121,7 +105,7 @@ void removePack() {
 }
 
 void updatePack(const Json& versions) {
-    const auto remote = remoteVersion(versions, "simaddon");
+    const auto remote = lf_toldVersion(versions, "simaddon");
     if (!remote || gf_stopping()) return;
     if (lf_updateSimAddon(*remote))
         sayUpdated("simaddon", *remote);
@@ -130,6 +114,21 @@ void updatePack(const Json& versions) {
 }
 
 }  // namespace
+
+std::optional<VersionData> lf_toldVersion(const Json& versions, const char* member) {
+    VersionData version;
+    bool told = versions.is_object() && versions.contains(member) && versions[member].is_object();
+    for (const auto& [part, number] :
+         {std::pair{"major", &version.major}, {"minor", &version.minor}, {"patch", &version.patch}}) {
+        told = told && versions[member].contains(part) && versions[member][part].is_number_integer();
+        const int64_t value = told ? versions[member][part].get<int64_t>() : 0;
+        told = told && value >= 0 && value <= std::numeric_limits<int32_t>::max();
+        *number = static_cast<int32_t>(value);
+    }
+    if (told) return version;
+    gf_logError(fmt::format("{} version not found", member));
+    return std::nullopt;
+}
 
 bool lf_simAddonMissing() {
     std::error_code error;

@@ -5,6 +5,8 @@
 
 #include <filesystem>
 #include <iosfwd>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 
 #include "core/version.h"
@@ -18,6 +20,8 @@ void gf_updateDataFiles();
 void lf_applyVersions(std::istream& text);
 /// One file of the site, with its log lines; an old file stays when that fails.
 bool gf_fetchFile(const std::string& name, const std::filesystem::path& path);
+/// The version that a version file tells of a member; nothing, with a log line, if it does not.
+std::optional<VersionData> lf_toldVersion(const nlohmann::json& versions, const char* member);
 /// The pack of add-on airports for MSFS 2024; true when it was installed.
 bool lf_updateSimAddon(VersionData remote);
 /// Whether its folder is not there, or empty.
