@@ -3,6 +3,8 @@
 if(NOT SKYLANTERN_WINDOWS_LIBRARIES)
     message(FATAL_ERROR "SKYLANTERN_WINDOWS_LIBRARIES is not set: ./build-windows.sh shows how to build")
 endif()
+# No import library of a DLL stands for a static one.
+set(CMAKE_FIND_LIBRARY_SUFFIXES .a)
 find_package(fmt REQUIRED CONFIG)
 find_package(nlohmann_json REQUIRED CONFIG)
 find_package(pugixml REQUIRED CONFIG)

@@ -13,6 +13,11 @@ set(CMAKE_C_FLAGS_INIT "-D_WIN32_WINNT=0x0A00 -DUNICODE -D_UNICODE")
 set(CMAKE_CXX_FLAGS_INIT "${CMAKE_C_FLAGS_INIT}")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
 
+find_program(WINE wine)
+if(WINE)
+    set(CMAKE_CROSSCOMPILING_EMULATOR ${WINE})  # runs the tests
+endif()
+
 # Libraries and headers: the compiler's own and those of tools/build_windows_dependencies.sh, never the host's.
 set(SKYLANTERN_WINDOWS_LIBRARIES "$ENV{SKYLANTERN_WINDOWS_LIBRARIES}" CACHE PATH
     "Folder printed by tools/build_windows_dependencies.sh")

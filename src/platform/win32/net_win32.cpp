@@ -24,7 +24,7 @@ int waitSocket(const Socket& socket, bool forWriting, Millis timeout) {
     ready.fd_count = broken.fd_count = 1;
     ready.fd_array[0] = broken.fd_array[0] = socket.get();
     const auto milliseconds = std::max<Millis::rep>(timeout.count(), 0);
-    const timeval time{static_cast<long>(milliseconds / 1000), static_cast<long>(milliseconds % 1000 * 1000)};
+    timeval time{static_cast<long>(milliseconds / 1000), static_cast<long>(milliseconds % 1000 * 1000)};
     const int count =
         ::select(0, forWriting ? nullptr : &ready, forWriting ? &ready : nullptr, &broken, &time);
     return std::min(count, 1);
