@@ -13,6 +13,7 @@
 #include "core/log.h"
 #include "core/messages.h"
 #include "core/text.h"
+#include "platform/system.h"
 #include "platform/text_conversion.h"
 
 namespace skl {
@@ -103,7 +104,7 @@ Charset gf_detectCharset(const std::filesystem::path& path) {
     errno = 0;
     std::ifstream file(path, std::ios::binary);
     if (!file) {
-        const int failure = errno;
+        const int failure = platform::lastFileError();
         gf_log(fmt::format("Cannot open file {} for character encoding. Win32 error: {}", gf_pathText(path),
                            failure));
         return Charset::noneFound;

@@ -7,6 +7,7 @@
 #include "core/fnv.h"
 #include "core/run_state.h"
 #include "core/text.h"
+#include "platform/system.h"
 
 namespace skl {
 
@@ -52,8 +53,8 @@ class Walk {
 
     void descend(const fs::directory_entry& entry, const fs::path& canonicalParent) {
         std::error_code error;
-        const fs::path canonical = entry.is_symlink(error) ? fs::canonical(entry.path(), error)
-                                                           : canonicalParent / entry.path().filename();
+        fs::path canonical = platform::linkTarget(entry, error);
+        if (canonical.empty()) canonical = canonicalParent / entry.path().filename();
         if (!error && entered_.insert(gf_pathText(canonical)).second)
             walkFolder(entry.path(), canonical, visitor_.skipsUnreadable);
     }

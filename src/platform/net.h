@@ -76,6 +76,8 @@ class Network {
     /// Listens on the port of that text on any address, with the address reused.
     virtual std::unique_ptr<TcpListener> listenTcp(const std::string& port, NetError& error) = 0;
     virtual std::unique_ptr<ByteStream> connectTcp(const std::string& host, uint16_t port, bool noDelay) = 0;
+    /// A stream to a named pipe of this PC. Nothing where the system has no such pipes.
+    virtual std::unique_ptr<ByteStream> connectPipe(const std::string& name) = 0;
 };
 
 /// The network in force: the system's unless a test has set its own.

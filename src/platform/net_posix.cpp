@@ -224,6 +224,8 @@ class PosixNetwork : public Network {
         return connectPosixStream(host, port, noDelay);
     }
 
+    std::unique_ptr<ByteStream> connectPipe(const std::string&) override { return nullptr; }
+
   private:
     static std::nullptr_t fail(NetError& error, const char* step) {
         error = {step, winsockCode(errno)};

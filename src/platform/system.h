@@ -2,16 +2,18 @@
 // signal.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace skl::platform {
 
-/// Roaming is XDG_CONFIG_HOME, local is XDG_DATA_HOME, with their defaults below HOME. Empty if neither is
-/// known.
+/// On Windows the user's known folders. Elsewhere roaming is XDG_CONFIG_HOME, local is XDG_DATA_HOME, with
+/// their defaults below HOME. Empty if neither is known.
 std::filesystem::path roamingAppData();
 std::filesystem::path localAppData();
 std::filesystem::path homeFolder();
@@ -28,8 +30,16 @@ std::unique_ptr<InstanceLock> lockSingleInstance(std::string_view name);
 /// the old file stays, nothing is left beside it, and `error` holds the system's text.
 bool replaceFile(const std::filesystem::path& path, std::string_view content, std::string& error);
 
-/// Calls `onStop` on a thread of its own at the first SIGINT or SIGTERM; also makes writes to a gone peer
-/// harmless. To be called before any other thread starts. `stopWatching` ends that thread.
+/// The system's number for why the last opening of a file on this thread failed.
+int lastFileError();
+
+/// Where a folder truly is that is a link (a symbolic one, or a junction); empty when it is none. Empty with
+/// `error` when it leads nowhere.
+std::filesystem::path linkTarget(const std::filesystem::directory_entry& folder, std::error_code& error);
+
+/// Calls `onStop` on a thread of its own at the first SIGINT or SIGTERM, on Windows the console's; also makes
+/// writes to a gone peer harmless. To be called before any other thread starts. `stopWatching` ends that
+/// thread.
 void watchStopSignals(std::function<void()> onStop);
 void stopWatchingSignals();
 

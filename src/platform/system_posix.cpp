@@ -125,6 +125,15 @@ std::unique_ptr<InstanceLock> lockSingleInstance(std::string_view name) {
     return std::make_unique<FileLock>(descriptor);
 }
 
+int lastFileError() {
+    return errno;
+}
+
+fs::path linkTarget(const fs::directory_entry& folder, std::error_code& error) {
+    error.clear();
+    return folder.is_symlink(error) ? fs::canonical(folder.path(), error) : fs::path();
+}
+
 void watchStopSignals(std::function<void()> onStop) {
     ::signal(SIGPIPE, SIG_IGN);
     const sigset_t set = stopSignals();

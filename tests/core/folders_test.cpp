@@ -43,6 +43,7 @@ TEST_F(Folders, TheTreeIsMadeAndStaleFilesGo) {
     EXPECT_THROW(gf_ensureFolders(), fs::filesystem_error);
 }
 
+#ifndef _WIN32
 TEST_F(Folders, UserFolders) {
     EXPECT_EQ(gf_appDataPath(), fs::path(std::getenv("XDG_CONFIG_HOME")));
     EXPECT_EQ(gf_localAppDataPath(), fs::path(std::getenv("XDG_DATA_HOME")));
@@ -52,6 +53,7 @@ TEST_F(Folders, UserFolders) {
     EXPECT_EQ(gf_programDataPath(), fs::path("/some/home/.config/Skylantern"));
     EXPECT_EQ(gf_localAppDataPath(), fs::path("/some/home/.local/share"));
 }
+#endif
 
 TEST_F(Folders, TheCommunityFolderIsCutOffTheInstallPath) {
     fs::create_directories(gf_programDataPath());

@@ -144,4 +144,8 @@ std::unique_ptr<net::ByteStream> FakeNetwork::connectTcp(const std::string& host
     return onConnect ? onConnect(host, port) : nullptr;
 }
 
+std::unique_ptr<net::ByteStream> FakeNetwork::connectPipe(const std::string& name) {
+    return onConnect ? onConnect(name, 0) : nullptr;
+}
+
 }  // namespace skl::test

@@ -57,6 +57,7 @@ class FakeNetwork : public net::Network {
     std::unique_ptr<net::TcpListener> listenTcp(const std::string& port, net::NetError& error) override;
     std::unique_ptr<net::ByteStream> connectTcp(const std::string& host, uint16_t port,
                                                 bool noDelay) override;
+    std::unique_ptr<net::ByteStream> connectPipe(const std::string& name) override;
 
   private:
     struct UdpPort {

@@ -30,8 +30,8 @@ class LoopbackSocket {
     void reset();
 
   private:
-    explicit LoopbackSocket(int fd) : fd_(fd) {}
-    int fd_ = -1;
+    explicit LoopbackSocket(intptr_t fd) : fd_(fd) {}
+    intptr_t fd_ = -1;  ///< a descriptor, or a SOCKET
 };
 
 }  // namespace skl::test

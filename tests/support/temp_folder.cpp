@@ -8,6 +8,9 @@
 #include "core/log.h"
 #include "core/parameters.h"
 #include "core/run_state.h"
+#ifdef _WIN32
+#include "platform/win32/handle_win32.h"
+#endif
 
 namespace skl::test {
 
@@ -20,9 +23,13 @@ void TempFolderTest::SetUp() {
     fs::create_directories(root / "config");
     fs::create_directories(root / "data");
     fs::create_directories(root / "work");
+#ifdef _WIN32
+    platform::setUserFolders(platform::UserFolders{root / "config", root / "data", root});
+#else
     setenv("XDG_CONFIG_HOME", (root / "config").c_str(), 1);
     setenv("XDG_DATA_HOME", (root / "data").c_str(), 1);
     setenv("HOME", root.c_str(), 1);
+#endif
     root = root / "work";
     fs::current_path(root);
     gf_startLog();

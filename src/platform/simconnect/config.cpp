@@ -19,6 +19,11 @@ namespace {
 using Section = std::map<std::string, std::string, std::less<>>;  // keys in upper case
 
 constexpr std::string_view fileName = "SimConnect.cfg";
+#ifdef _WIN32
+constexpr std::string_view pipeOfThisPc = R"(\\.\pipe\Microsoft Flight Simulator\SimConnect)";
+#else
+constexpr std::string_view pipeOfThisPc;
+#endif
 
 /// Calls `use` for each line without its end and the blanks round it.
 template <class Use>
@@ -88,6 +93,7 @@ bool lf_parseSimConnectConfig(std::string_view text, SimConnectAddress& address,
     else if (!port)
         trouble = fmt::format("Port '{}' is not a port number", portText);
     else {
+        address.pipe.clear();
         address.host = host;
         address.port = *port;
         const auto nagle = section.find("DISABLENAGLE");
@@ -111,6 +117,7 @@ bool lf_findSimulator(SimConnectAddress& address, std::string& trouble) {
         return false;
     }
     address = {};
+    address.pipe = pipeOfThisPc;
     return true;
 }
 

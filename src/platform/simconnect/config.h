@@ -1,3 +1,4 @@
+// Where the simulator is: on Windows behind its named pipe, unless a SimConnect.cfg says otherwise.
 // SimConnect.cfg: where the simulator listens. An INI file; section [SimConnect.0], else [SimConnect]; keys
 // Protocol (IPv4), Address, Port and DisableNagle. Looked for in the working folder, then in the user's home
 // folder.
@@ -11,6 +12,7 @@
 namespace skl {
 
 struct SimConnectAddress {
+    std::string pipe;  ///< empty: over TCP to the host
     std::string host = "localhost";
     uint16_t port = 2048;
     bool noDelay =
@@ -19,7 +21,8 @@ struct SimConnectAddress {
 
 /// False when the text is not a usable configuration: `trouble` then says what is wrong with it.
 bool lf_parseSimConnectConfig(std::string_view text, SimConnectAddress& address, std::string& trouble);
-/// The address in force: of the first file found, else this machine's. False when that file is broken; the
+/// The address in force: of the first file found, else this machine's: the simulator's pipe on Windows, TCP
+/// elsewhere. False when that file is broken; the
 /// search does not go on behind it, and `trouble` names it.
 bool lf_findSimulator(SimConnectAddress& address, std::string& trouble);
 

@@ -75,7 +75,7 @@ class WireClient : public SimConnect {
     std::atomic<bool> dead_{false}, quit_{false}, backlogged_{false};
 };
 
-/// Over TCP to the address of SimConnect.cfg.
+/// To the address in force, see config.h.
 std::unique_ptr<SimConnect> makeClient();
 
 }  // namespace skl::wire
