@@ -34,7 +34,8 @@ constexpr Measurement measurements[] = {{"decode", decodeRows},
                                         {"scenery", bglScanRows},
                                         {"airport file", airportFileRows},
                                         {"parking", parkingRows},
-                                        {"panel", panelRows}};
+                                        {"panel", panelRows},
+                                        {"data site", dataSiteRows}};
 
 struct Options {
     std::string only, file;
@@ -107,6 +108,7 @@ int main(int count, char** words) {
         for (int i = 1; i < count; ++i) {
             const std::string_view word = words[i];
             if (word == "--cold-start") return skl::bench::coldStartChild();
+            if (word == "--data-site") return skl::bench::dataSiteChild();
             skl::bench::require((word == "--only" || word == "--write") && i + 1 < count,
                                 "usage: skylantern_bench [--only WORD] [--write FILE]");
             (word == "--only" ? options.only : options.file) = words[++i];
