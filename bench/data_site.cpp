@@ -90,7 +90,8 @@ struct Making {
 
 Making makeOnce(const fs::path& self) {
     for (const char* made : {"index", "stock", "site"}) fs::remove_all(made);
-    const int status = std::system(fmt::format("'{}' --data-site > making.txt 2> making.log", gf_pathText(self)).c_str());
+    const int status =
+        std::system(fmt::format("'{}' --data-site > making.txt 2> making.log", gf_pathText(self)).c_str());
     require(status == 0, "the site was not made");
     Making making;
     std::ifstream("making.txt") >> making.seconds >> making.peakKb;
