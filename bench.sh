@@ -8,7 +8,7 @@
 #          overload, and the motion of the demo
 # --write  puts the table into docs/performance.md
 # --only   the measurements whose name holds the word: decode, tick, flush, scan, cold start, match,
-#          registration rows, scenery, airport file, parking, panel
+#          registration rows, scenery, airport file, parking, panel, data site
 set -euo pipefail
 cd "$(dirname "$0")"
 arguments=()

@@ -32,10 +32,21 @@ Rows bglScanRows();
 Rows airportFileRows();
 Rows parkingRows();
 Rows panelRows();
+Rows dataSiteRows();
 
 /// The cold start itself, in a process of its own: reads the data of the working folder, prints wall time and
 /// memory.
 int coldStartChild();
+/// The making of a data site out of the sources in the working folder, in a process of its own, likewise.
+int dataSiteChild();
+
+/// What the process of a cold start tells.
+struct Start {
+    double seconds = 0, peakKb = 0;
+    size_t registrations = 0, liveries = 0, airports = 0;
+};
+/// A process of `self`, in the working folder `folder`.
+Start startOnce(const std::filesystem::path& self, const std::filesystem::path& folder);
 
 /// Every figure is the least of this many runs.
 inline constexpr int runs = 5;

@@ -35,7 +35,8 @@ constexpr Measurement measurements[] = {{"decode", decodeRows},
                                         {"scenery", bglScanRows},
                                         {"airport file", airportFileRows},
                                         {"parking", parkingRows},
-                                        {"panel", panelRows}};
+                                        {"panel", panelRows},
+                                        {"data site", dataSiteRows}};
 
 struct Options {
     std::string only, file, more;
@@ -127,6 +128,7 @@ int main(int count, char** words) {
         for (int i = 1; i < count; ++i) {
             const std::string_view word = words[i];
             if (word == "--cold-start") return skl::bench::coldStartChild();
+            if (word == "--data-site") return skl::bench::dataSiteChild();
             skl::bench::require((word == "--only" || word == "--write" || word == "--rows") && i + 1 < count,
                                 "usage: skylantern_bench [--only WORD] [--write FILE] [--rows FILE]");
             (word == "--only" ? options.only : word == "--write" ? options.file : options.more) = words[++i];
