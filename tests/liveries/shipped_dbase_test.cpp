@@ -14,8 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path sources =
-    fs::absolute(fs::path(__FILE__)).parent_path().parent_path().parent_path() / "input" / "sources";
+const fs::path sources = fs::path(SKYLANTERN_SOURCE_DIR) / "input" / "sources";
 
 class ShippedDbase : public test::TempFolderTest {
   protected:
