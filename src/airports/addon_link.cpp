@@ -43,7 +43,7 @@ std::string withoutBlanks(const std::string& publisher) {
 bool writeLink(const fs::path& folder, const std::string& code, const std::string& archived) {
     std::error_code error;  // tells itself when the file is written
     fs::create_directories(folder, error);
-    const fs::path path = folder / (code + ".txt");
+    const fs::path path = folder / gf_pathFromText(code + ".txt");
     if (gf_writeText(archived, path, true)) {
         airportsGenerated = true;
         return true;
@@ -92,7 +92,7 @@ bool linkThirdparty(const AirportFile& file, int32_t& archivedCount) {
 
 /// The code of an airport that cannot be read, out of what its file and its package are called.
 std::string codeByNames(const std::string& path) {
-    std::string stem = gf_pathText(fs::path(path).stem());
+    std::string stem = gf_pathText(gf_pathFromText(path).stem());
     if (stem.size() == codeLength && gf_findAirport(stem)) {
         lf_scanLog(fmt::format("Not recognised airport has ICAO code '{}' as BGL stem", stem));
         return stem;

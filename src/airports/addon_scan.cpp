@@ -130,7 +130,8 @@ bool lf_scanFolders(const std::vector<std::string>& folders) {
     gf_clearMessage();
     if (gf_stopping()) return airportsGenerated;
     std::vector<std::string> codes;
-    for (const std::string& name : gf_listAirportFiles()) codes.push_back(gf_pathText(fs::path(name).stem()));
+    for (const std::string& name : gf_listAirportFiles())
+        codes.push_back(gf_pathText(gf_pathFromText(name).stem()));
     lf_offlineLearning(codes);
     if (airportsGenerated) gf_log("Airports scan successful");
     return airportsGenerated;

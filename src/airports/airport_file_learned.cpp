@@ -14,6 +14,7 @@
 #include "core/log.h"
 #include "core/messages.h"
 #include "core/text.h"
+#include "platform/system.h"
 
 namespace skl {
 
@@ -26,7 +27,7 @@ void keepCopy(const fs::path& path) {
     copy += "0";
     copy += path.extension();
     std::error_code error;
-    fs::copy_file(path, copy, fs::copy_options::overwrite_existing, error);
+    platform::copyOver(path, copy, error);
     if (error) gf_logError(fmt::format("could not save to '{}': {}", gf_pathText(copy), error.message()));
 }
 

@@ -54,7 +54,7 @@ void lf_generateApf(BglAirport& airport) {
     const fs::path folder = file.publisher == "simaddon" ? paths::mySimaddon : paths::myThirdparty;
     std::error_code error;  // tells itself when the file is written
     fs::create_directories(folder, error);
-    const fs::path path = folder / name;
+    const fs::path path = folder / gf_pathFromText(name);
     const bool written = lf_keepGenerated(file, path, [&file](const fs::path& beside) {
         return gf_writeApf(file, beside, ApfMode::generated);
     });

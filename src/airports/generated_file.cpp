@@ -7,6 +7,7 @@
 #include "airports/airport_rows.h"
 #include "airports/site_documents.h"
 #include "core/log.h"
+#include "core/text.h"
 
 namespace skl {
 
@@ -28,7 +29,7 @@ std::string gf_publisherOfFile(const std::filesystem::path& path) {
 
 std::string gf_manifestInfoOfFile(const std::filesystem::path& path) {
     pugi::xml_document document;
-    if (!document.load_file(path.c_str())) return fmt::format("'{}' not found)", path.string());
+    if (!document.load_file(path.c_str())) return fmt::format("'{}' not found)", gf_pathText(path));
     if (rowOf(document, "publisher") != "unknown") return {};
     const std::string manufacturer = rowOf(document, "manufacturer"), creator = rowOf(document, "creator");
     if (manufacturer.size() >= tellingLength || creator.size() >= tellingLength) return {};

@@ -69,7 +69,7 @@ std::optional<ManifestInfo> lf_parseManifest(const std::string& text) {
 
 std::optional<ManifestInfo> gf_searchManifest(const std::string& path) {
     try {
-        return search(fs::path(path));
+        return search(gf_pathFromText(path));
     } catch (const std::exception& error) {
         lf_scanLog(fmt::format("exception in gf_searchManifest: {}", error.what()));
         return std::nullopt;

@@ -10,6 +10,7 @@
 #include "core/run_state.h"
 #include "core/text.h"
 #include "panel/panel_state.h"
+#include "platform/system.h"
 
 namespace skl {
 
@@ -19,7 +20,7 @@ constexpr std::string_view maintainers = "the maintainers of the data site";
 
 bool setAside(const fs::path& from, const fs::path& to) {
     std::error_code error;
-    fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
+    platform::copyOver(from, to, error);
     if (!error) {
         gf_log(fmt::format("{} copied to {}", gf_pathText(from), gf_pathText(to)));
         return true;
@@ -29,16 +30,16 @@ bool setAside(const fs::path& from, const fs::path& to) {
 }
 
 bool learn(const std::string& code) {
-    const fs::path file = paths::myThirdparty / (code + ".xml");
+    const fs::path file = paths::myThirdparty / gf_pathFromText(code + ".xml");
     std::error_code ignored;
     if (code == "KMCI" && gf_publisherOfFile(file) == "TropicalSim") {
         fs::remove(file, ignored);
         return false;
     }
     if (!gf_offlineLearnable(code) || !gf_manifestInfoOfFile(file).empty()) return false;
-    if (!setAside(file, paths::offlineLearning / (code + ".xml"))) return false;
+    if (!setAside(file, paths::offlineLearning / gf_pathFromText(code + ".xml"))) return false;
     // The link serves the program, the copy the maintainers.
-    if (fs::exists(paths::myThirdparty / (code + ".txt"), ignored)) fs::remove(file, ignored);
+    if (fs::exists(paths::myThirdparty / gf_pathFromText(code + ".txt"), ignored)) fs::remove(file, ignored);
     return true;
 }
 

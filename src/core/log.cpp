@@ -32,7 +32,7 @@ fs::path olderName(const fs::path& path) {
     std::string name = gf_pathText(path.filename());
     const size_t dot = name.find('.');
     name.insert(dot == std::string::npos ? name.size() : dot, "0");
-    return path.parent_path() / name;
+    return path.parent_path() / gf_pathFromText(name);
 }
 
 void rotate(const fs::path& from, const fs::path& to) {

@@ -81,8 +81,20 @@ bool gf_parseBool(std::string_view text) {
 }
 
 std::string gf_pathText(const std::filesystem::path& path) {
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
+    try {
+        const std::u8string text = path.u8string();
+        return {text.begin(), text.end()};
+    } catch (const std::exception&) {
+        // Half a surrogate pair in a name on Windows: the rest can still be shown.
+        std::string text;
+        for (const auto unit : path.native())
+            text.push_back(unit > 0 && unit < 0x80 ? static_cast<char>(unit) : '?');
+        return text;
+    }
+}
+
+std::filesystem::path gf_pathFromText(std::string_view utf8) {
+    return std::u8string(utf8.begin(), utf8.end());
 }
 
 std::optional<double> gf_readNumber(std::string_view text) {

@@ -84,7 +84,7 @@ bool makeEmpty(const fs::path& folder) {
 size_t writePack(const std::vector<PackFile>& files) {
     size_t written = 0;
     for (const PackFile& file : files) {
-        const fs::path path = paths::mySimaddon / (file.stem + ".txt");
+        const fs::path path = paths::mySimaddon / gf_pathFromText(file.stem + ".txt");
         if (gf_writeText(file.text, path, false))
             ++written;
         else

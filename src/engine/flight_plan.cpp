@@ -75,7 +75,7 @@ void gf_createFlightPlanFolder() {
 bool lf_writeFlightPlan(const fs::path& path, const LiveAc& record) {
     // Not replaced in one step: no plan follows another under its name, and a wait for the disk would cost
     // ticks.
-    std::ofstream file(path);
+    std::ofstream file(path, std::ios::binary);
     file << fmt::format("{}\n{}\n{}\n{}{}{}\n{}{}{}\n{}{}{}\n{}\n{}",  //
                         R"(<?xml version="1.0" encoding="UTF-8"?>)",
                         R"(<SimBase.Document Type="AceXML" version="4,3">)", "<FlightPlan.FlightPlan>",

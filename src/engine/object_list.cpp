@@ -9,6 +9,7 @@
 #include "core/log.h"
 #include "core/messages.h"
 #include "core/parameters.h"
+#include "core/text.h"
 #include "engine/engine.h"
 #include "engine/engine_state.h"
 #include "panel/panel_state.h"
@@ -75,7 +76,7 @@ void lf_writeObjectList() {
     std::string text;
     for (const std::string& line : lines) text += line + '\n';
     if (!gf_writeText(text, paths::objectList, false))
-        gf_logError(fmt::format("{} could not be written", paths::objectList.string()));
+        gf_logError(fmt::format("{} could not be written", gf_pathText(paths::objectList)));
 }
 
 void gf_deleteObjectList() {

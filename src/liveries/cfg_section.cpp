@@ -237,7 +237,8 @@ LiveryData lf_procesIvaoSection(uint32_t priority, CfgLines lines, std::string_v
     if (!takeLines(section, lines)) return {};
     const std::string head = fmt::format("{} {}", cfgPath, section.header);
     std::error_code ignored;  // a name that no file can have is no folder either
-    if (!std::filesystem::is_directory(gf_findExisting(folder / ("texture." + section.texture)), ignored)) {
+    if (!std::filesystem::is_directory(
+            gf_findExisting(folder / gf_pathFromText("texture." + section.texture)), ignored)) {
         section.incomplete(head + " does not exist");
         return {};
     }

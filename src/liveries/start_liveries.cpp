@@ -84,7 +84,7 @@ void addPackage(const Package& package, std::span<const fs::path> entries,
 
 void removeLastReports() {
     try {
-        for (const auto& file : lf_staleReportFiles()) fs::remove(file);
+        for (const auto& file : lf_staleReportFiles()) fs::remove(gf_pathFromText(file));
         fs::remove_all(paths::errors);
     } catch (const std::exception& error) {
         gf_log(fmt::format("problems with removing previous files: {}", error.what()));

@@ -33,6 +33,9 @@ bool replaceFile(const std::filesystem::path& path, std::string_view content, st
 /// The system's number for why the last opening of a file on this thread failed.
 int lastFileError();
 
+/// Copies a file over another one, if there is one.
+void copyOver(const std::filesystem::path& from, const std::filesystem::path& to, std::error_code& error);
+
 /// Where a folder truly is that is a link (a symbolic one, or a junction); empty when it is none. Empty with
 /// `error` when it leads nowhere.
 std::filesystem::path linkTarget(const std::filesystem::directory_entry& folder, std::error_code& error);

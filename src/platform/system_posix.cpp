@@ -129,6 +129,10 @@ int lastFileError() {
     return errno;
 }
 
+void copyOver(const fs::path& from, const fs::path& to, std::error_code& error) {
+    fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
+}
+
 fs::path linkTarget(const fs::directory_entry& folder, std::error_code& error) {
     error.clear();
     return folder.is_symlink(error) ? fs::canonical(folder.path(), error) : fs::path();

@@ -230,8 +230,9 @@ TEST_F(Catalogue, AutomaticFolders) {
         std::vector<std::string> folders;
         gf_selectLiveryFolders(folders);
         ASSERT_EQ(folders.size(), 4u) << selector;
-        for (size_t i = 0; i < 3; ++i) EXPECT_EQ(folders[i], "packages/Community/" + expected[i]) << selector;
-        EXPECT_EQ(folders[3], "packages/Community/my-user-aitraffic");
+        for (size_t i = 0; i < 3; ++i)
+            EXPECT_EQ(test::slashed(folders[i]), "packages/Community/" + expected[i]) << selector;
+        EXPECT_EQ(test::slashed(folders[3]), "packages/Community/my-user-aitraffic");
     }
     EXPECT_TRUE(
         test::logHas("Automatic AIG scan found folder: 'packages/Community/aig-aitraffic-oci-beta_x'"));

@@ -99,7 +99,7 @@ TEST_F(LiveryScan, FormsOfAFile) {
         gf_scanLiveryFolder(2, "tree");
         EXPECT_EQ(found(), Lines{"KLM|B738|A b|2"}) << what;
     }
-    EXPECT_EQ(scanReports.invalidCfgFiles, Lines{});
+    EXPECT_EQ(test::slashed(scanReports.invalidCfgFiles), Lines{});
 }
 
 TEST_F(LiveryScan, Latin1TitleKeepsItsBytes) {
@@ -119,8 +119,8 @@ TEST_F(LiveryScan, FilesThatGiveNothing) {
     fs::create_directories("tree/folder/aircraft.cfg");
     gf_scanLiveryFolder(1, "tree");
     EXPECT_EQ(found(), Lines{});
-    EXPECT_EQ(scanReports.noSectionFiles, Lines{"tree/none/aircraft.cfg"});
-    EXPECT_EQ(scanReports.invalidCfgFiles,
+    EXPECT_EQ(test::slashed(scanReports.noSectionFiles), Lines{"tree/none/aircraft.cfg"});
+    EXPECT_EQ(test::slashed(scanReports.invalidCfgFiles),
               Lines{"tree/high/aircraft.cfg contains a [fltsim.x] section with a number < 0 or > 10000"});
     EXPECT_TRUE(test::logHas("===> fltsim num 99999999999 incorrect"));
     EXPECT_TRUE(test::logHas("conversion from error from utf16 to utf8, code: 1113"));
@@ -182,16 +182,17 @@ TEST_F(LiveryScan, ReportFilesAndSummary) {
     gf_applyDbaseToLiveries();
     EXPECT_EQ(found(), (Lines{"KLM|B738|A|1", "PVT|B738|B|1", "KLM|B744|D|1", "KLM|B738|E|1"}));
     gf_writeScanReports();
-    EXPECT_EQ(readFile("output/errors/InvalidAirlineCodes.txt"),
+    EXPECT_EQ(test::slashed(readFile("output/errors/InvalidAirlineCodes.txt")),
               "QQQ          in tree/a/aircraft.cfg [fltsim.1]\n");
-    EXPECT_EQ(readFile("output/errors/InvalidAircraftCodes.txt"),
+    EXPECT_EQ(test::slashed(readFile("output/errors/InvalidAircraftCodes.txt")),
               "XX               in tree/b/aircraft.cfg\n");
-    EXPECT_EQ(readFile("output/errors/IncompleFltsimSections.txt"),
+    EXPECT_EQ(test::slashed(readFile("output/errors/IncompleFltsimSections.txt")),
               "tree/a/aircraft.cfg [fltsim.1] icao_airline is missing, or it has invalid info \n"
               "tree/a/aircraft.cfg [fltsim.2] title 'A' already exists\n"
               "tree/a/aircraft.cfg [fltsim.3] misses title\n");
-    EXPECT_EQ(readFile("output/info/AircraftCfgWithNoFltsimSection.txt"), "tree/c/aircraft.cfg\n");
-    EXPECT_EQ(readFile("output/info/AirlineModelConversions.txt"),
+    EXPECT_EQ(test::slashed(readFile("output/info/AircraftCfgWithNoFltsimSection.txt")),
+              "tree/c/aircraft.cfg\n");
+    EXPECT_EQ(test::slashed(readFile("output/info/AirlineModelConversions.txt")),
               fmt::format("{0:80} PH-BXA airl DLH => KLM\n{0:80} PH-BXA cargo false => true\n"
                           "{0:80} PH-BXA model B738 => B744\n{1:80} PHBXB airl DLH => KLM\n",
                           "D", "E"));

@@ -64,6 +64,11 @@ TEST_F(SimConnectConfigFile, WorkingFolderThenHomeThenThisMachine) {
     SimConnectAddress address;
     std::string trouble;
     ASSERT_TRUE(lf_findSimulator(address, trouble));
+#ifdef _WIN32
+    EXPECT_EQ(address.pipe, R"(\\.\pipe\Microsoft Flight Simulator\SimConnect)");
+#else
+    EXPECT_EQ(address.pipe, "");
+#endif
     EXPECT_EQ(address.host, "localhost");
     EXPECT_EQ(address.port, 2048);
     writeFile(root.parent_path() / "SimConnect.cfg", "[SimConnect]\nProtocol=IPv4\nAddress=home\nPort=1\n");
@@ -72,6 +77,7 @@ TEST_F(SimConnectConfigFile, WorkingFolderThenHomeThenThisMachine) {
     writeFile("SimConnect.cfg", "[SimConnect]\nProtocol=IPv4\nAddress=here\nPort=2\n");
     ASSERT_TRUE(lf_findSimulator(address, trouble));
     EXPECT_EQ(address.host, "here");
+    EXPECT_EQ(address.pipe, "");
     // A broken file ends the search.
     writeFile("SimConnect.cfg", "[SimConnect]\nProtocol=IPv4\nAddress=here\n");
     EXPECT_FALSE(lf_findSimulator(address, trouble));

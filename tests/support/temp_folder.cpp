@@ -1,5 +1,6 @@
 #include "tests/support/temp_folder.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <random>
@@ -56,6 +57,16 @@ std::string readFile(const fs::path& path) {
     return all.str();
 }
 
+std::string slashed(std::string text) {
+    if constexpr (fs::path::preferred_separator != '/') std::replace(text.begin(), text.end(), '\\', '/');
+    return text;
+}
+
+std::vector<std::string> slashed(std::vector<std::string> texts) {
+    for (std::string& text : texts) text = slashed(std::move(text));
+    return texts;
+}
+
 std::vector<std::string> logLines() {
     std::ifstream in("Log.txt");
     std::vector<std::string> lines;
@@ -65,8 +76,9 @@ std::vector<std::string> logLines() {
 
 int logCount(std::string_view text) {
     int count = 0;
-    for (const auto& line : logLines())
-        if (line.find(text) != std::string::npos) ++count;
+    const std::string wanted = slashed(std::string(text));
+    for (const auto& line : slashed(logLines()))
+        if (line.find(wanted) != std::string::npos) ++count;
     return count;
 }
 

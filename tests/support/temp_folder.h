@@ -24,7 +24,10 @@ class TempFolderTest : public ::testing::Test {
 /// Writes bytes as they are, making the folders on the way.
 void writeFile(const std::filesystem::path& path, std::string_view bytes);
 std::string readFile(const std::filesystem::path& path);
-/// The lines of Log.txt so far, and whether one holds a text.
+/// With / between folders, as tests write paths, where the system puts \\.
+std::string slashed(std::string text);
+std::vector<std::string> slashed(std::vector<std::string> texts);
+/// The lines of Log.txt so far, and whether one holds a text; the separators of paths may differ.
 std::vector<std::string> logLines();
 bool logHas(std::string_view text);
 /// How many lines of the log hold a text.

@@ -17,7 +17,8 @@ namespace {
 
 constexpr int longestText = 1023;
 constexpr int clientWidth = 880;
-constexpr int checkSize = 12, buttonHeight = 20, editHeight = 16;
+constexpr int checkSize = 12, buttonHeight = 20, editHeight = 16, comboHeight = 24;
+constexpr auto closedField = static_cast<WPARAM>(-1);  ///< in the place of an entry
 constexpr unsigned enterPressed = 0x1000;  ///< a code of this program's own, beside those of the edit box
 constexpr WPARAM enterKey = 13, controlA = 1;
 
@@ -252,12 +253,13 @@ class Combo : public Control {
               spec, parent, events, parent.font,
               {L"ComboBox", DWORD{WS_VSCROLL} | DWORD{CBS_DROPDOWNLIST}, parent.scale.of(spec.x),
                parent.scale.of(spec.y - 5), parent.scale.of(spec.width), parent.scale.of(spec.dropHeight)}) {
-        // The newer class shows 30 rows else, whatever the height.
-        RECT closed{};
-        ::GetWindowRect(handle_, &closed);
-        const LRESULT row = std::max<LRESULT>(send(CB_GETITEMHEIGHT), 1);
-        const LRESULT room = parent.scale.of(spec.dropHeight) - (closed.bottom - closed.top);
-        send(CB_SETMINVISIBLE, static_cast<WPARAM>(std::max<LRESULT>(room / row, 1)));
+        // The class goes by the font alone, which grows less than the rows of the panel.
+        const LRESULT higher = parent.scale.of(comboHeight) - closedHeight();
+        send(CB_SETITEMHEIGHT, closedField, send(CB_GETITEMHEIGHT, closedField) + higher);
+        // The newer class shows 30 entries else, whatever the height.
+        const LRESULT room = parent.scale.of(spec.dropHeight) - closedHeight();
+        const LRESULT entries = room / std::max<LRESULT>(send(CB_GETITEMHEIGHT), 1);
+        send(CB_SETMINVISIBLE, static_cast<WPARAM>(std::max<LRESULT>(entries, 1)));
     }
     void command(unsigned code) override {
         // Closed by Escape, the list may have gone back by itself.
@@ -277,6 +279,11 @@ class Combo : public Control {
         const auto found = std::find(state.items.begin(), state.items.end(), state.text);
         const LRESULT wanted = found == state.items.end() ? -1 : found - state.items.begin();
         if (send(CB_GETCURSEL) != wanted) send(CB_SETCURSEL, static_cast<WPARAM>(wanted));
+    }
+    LONG closedHeight() const {
+        RECT rect{};
+        ::GetWindowRect(handle_, &rect);
+        return rect.bottom - rect.top;
     }
     void fillList(const std::vector<std::string>& items) {
         send(CB_RESETCONTENT);

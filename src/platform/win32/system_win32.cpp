@@ -112,6 +112,13 @@ int lastFileError() {
     return static_cast<int>(::GetLastError());
 }
 
+void copyOver(const fs::path& from, const fs::path& to, std::error_code& error) {
+    // The compiler's library cannot copy over a file on Windows.
+    error.clear();
+    if (!::CopyFileW(from.c_str(), to.c_str(), FALSE))
+        error.assign(static_cast<int>(::GetLastError()), std::system_category());
+}
+
 fs::path linkTarget(const fs::directory_entry& entry, std::error_code& error) {
     error.clear();
     const fs::path& folder = entry.path();
