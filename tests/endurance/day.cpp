@@ -26,7 +26,8 @@
 #include "tests/run/run_world.h"
 
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
+// Of the sanitizer's own interface; its header is not in every package of the compiler.
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 namespace skl::test {
