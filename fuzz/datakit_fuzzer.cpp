@@ -28,16 +28,22 @@ void put(const std::string& path, std::string_view text) {
     skl::fuzz::write(path, reinterpret_cast<const uint8_t*>(text.data()), text.size());
 }
 
+bool writeTables() {
+    put("types.csv", "type,category\nA320,large\nB738,large\n");
+    put("airlines.csv", "icao\nDLH\n");
+    put("regs.csv", "registration,type\nD-AIUA,A320\n");
+    put("apt.dat", "I\n1100\n1 40 0 0 XSKL Field\n1300 54 -12 0 gate jets 1\n99\n");
+    return true;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const skl::fuzz::ScratchFolder folder;
     const std::string source = "source";
     skl::fuzz::write(source, data, size);
-    put("types.csv", "type,category\nA320,large\nB738,large\n");
-    put("airlines.csv", "icao\nDLH\n");
-    put("regs.csv", "registration,type\nD-AIUA,A320\n");
-    put("apt.dat", "I\n1100\n1 40 0 0 XSKL Field\n1300 54 -12 0 gate jets 1\n99\n");
+    static const bool tables = writeTables();
+    if (!tables) return 0;
     // One of the kinds for each input, so that a round stays short.
     switch (size % 6) {
         case 0:
