@@ -87,8 +87,10 @@ std::string gf_pathText(const std::filesystem::path& path) {
     } catch (const std::exception&) {
         // Half a surrogate pair in a name on Windows: the rest can still be shown.
         std::string text;
-        for (const auto unit : path.native())
-            text.push_back(unit > 0 && unit < 0x80 ? static_cast<char>(unit) : '?');
+        for (const auto unit : path.native()) {
+            const auto value = static_cast<uint32_t>(unit);
+            text.push_back(value < 0x80 ? static_cast<char>(value) : '?');
+        }
         return text;
     }
 }
