@@ -55,7 +55,7 @@ fail() {
     tail -30 Log.txt >&2 || true
     exit 1
 }
-added() { grep -c '"op":"create"' "$world/trace.jsonl" 2>/dev/null || true; }
+added() { cat "$world/trace.jsonl" 2>/dev/null | grep -c '"op":"create"' || true; }
 for ((second = 0; second < patience; ++second)); do
     kill -0 $program 2>/dev/null || fail "the program has ended"
     [ "$(added)" -gt 2 ] && break
