@@ -29,8 +29,8 @@ cmake --preset windows -DSKYLANTERN_TESTS=$tests >/dev/null
 cmake --build --preset windows | tail -n 1
 # The data are enciphered by a program of this system.
 cmake --preset release >/dev/null
-cmake --build --preset release --target encipher | tail -n 1
-encipher=$PWD/build/release/encipher
+cmake --build --preset release --target datakit | tail -n 1
+datakit=$PWD/build/release/datakit
 
 if [ $tests = ON ]; then
     WINEPREFIX=${WINEPREFIX:-$PWD/$build/wine}
@@ -47,7 +47,7 @@ rm -rf "$build/stage"
 mkdir -p "$stage/docs" "$stage/input" "$stage/licences" dist
 x86_64-w64-mingw32-strip -o "$stage/Skylantern.exe" "$build/Skylantern.exe"
 cp -r docs/. "$stage/docs/"
-for data in dbase AIG-regcodes; do "$encipher" input/sources/$data.xml "$stage/input/$data.enc"; done
+for data in dbase AIG-regcodes; do "$datakit" encipher input/sources/$data.xml "$stage/input/$data.enc"; done
 cp input/sources/airports_msfs.xml input/sources/airports_msfs_names.xml "$stage/input/"
 cp input/SimConnect.cfg.example LICENSE "$stage/"
 cp "$SKYLANTERN_WINDOWS_LIBRARIES"/licences/*.txt "$stage/licences/"

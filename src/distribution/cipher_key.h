@@ -1,4 +1,4 @@
-// The one key of the program's enciphered data files. Program and encipher tool are built with the same
+// The one key of the program's enciphered data files. Program and datakit are built with the same
 // value; files made with another key do not open.
 #pragma once
 

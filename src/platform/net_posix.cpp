@@ -233,21 +233,11 @@ class PosixNetwork : public Network {
     }
 };
 
-Network* testNetwork = nullptr;
-
 }  // namespace
 
 Network& systemNetwork() {
     static PosixNetwork system;
     return system;
-}
-
-Network& network() {
-    return testNetwork ? *testNetwork : systemNetwork();
-}
-
-void setNetwork(Network* network) {
-    testNetwork = network;
 }
 
 }  // namespace skl::net

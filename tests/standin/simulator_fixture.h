@@ -224,7 +224,9 @@ class SimulatorTest : public ::testing::Test {
         return packet(0x17, u32(id) + text(name, 256));
     }
     std::string map(std::uint32_t id, const std::string& name) {
-        return packet(0x04, u32(id) + text(name, 256));
+        std::string body = u32(id);
+        body += text(name, 256);  // as a sum, optimised, the compiler warns of bounds that are kept
+        return packet(0x04, body);
     }
     std::string transmit(std::uint32_t object, std::uint32_t event, std::uint32_t data) {
         return packet(0x05, u32(object) + u32(event) + u32(data) + u32(301) + u32(0));

@@ -210,21 +210,11 @@ class WinsockNetwork : public Network {
     }
 };
 
-Network* testNetwork = nullptr;
-
 }  // namespace
 
 Network& systemNetwork() {
     static WinsockNetwork system;
     return system;
-}
-
-Network& network() {
-    return testNetwork ? *testNetwork : systemNetwork();
-}
-
-void setNetwork(Network* network) {
-    testNetwork = network;
 }
 
 }  // namespace skl::net
