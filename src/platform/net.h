@@ -76,7 +76,7 @@ class Network {
     /// Listens on the port of that text on any address, with the address reused.
     virtual std::unique_ptr<TcpListener> listenTcp(const std::string& port, NetError& error) = 0;
     virtual std::unique_ptr<ByteStream> connectTcp(const std::string& host, uint16_t port, bool noDelay) = 0;
-    /// A stream to a named pipe of this PC. Nothing where the system has no such pipes.
+    /// A stream to a named pipe of this PC; nothing if there is none of that name.
     virtual std::unique_ptr<ByteStream> connectPipe(const std::string& name) = 0;
 };
 

@@ -115,9 +115,10 @@ class Load:
             self.row("backlog lines", "none", str(len(backlog)), not backlog)
         self.row("datagrams lost in the kernel", "0", str(lost), lost == 0)
         self.row("peak memory", "below 64 MB", f"{peak / 1024:.0f} MB", peak < 64 * 1024)
-        calls = report["callsPerFrame"]
-        self.row("calls to the simulator a frame", "at most 1 an aircraft and 60 more", f"mean {calls['mean']:.0f}, most {calls['max']}",
-                 calls["max"] <= LIMIT + ON_THE_WAY + 60)
+        # The stand-in counts what comes between two of its frames: the answers to two may fall into one.
+        calls, most = report["callsPerFrame"], LIMIT + ON_THE_WAY + 60
+        self.row("calls to the simulator a frame", f"at most {most} on average, twice that at worst",
+                 f"mean {calls['mean']:.0f}, most {calls['max']}", calls["mean"] <= most and calls["max"] <= 2 * most)
         self.row("processor", "told", f"{100 * cpu:.1f} percent of a core", True)
         self.row("frames of the simulator", "told", str(report["frames"]), True)
         self.choice(trace, utc, looked_at)

@@ -110,7 +110,7 @@ TEST(PipeWin32, BytesGoBothWaysAndNothingWaits) {
 }
 
 TEST(PipeWin32, NoServerFailsAndABusyOneIsWaitedFor) {
-    EXPECT_EQ(openStream(R"(\\.\pipe\skl-test-nobody)")->state(Millis(0)), ByteStream::State::failed);
+    EXPECT_EQ(net::systemNetwork().connectPipe(R"(\\.\pipe\skl-test-nobody)"), nullptr);
     PipeServer server;
     auto first = openStream(server.name());
     ASSERT_EQ(first->state(Millis(0)), ByteStream::State::open);

@@ -1,6 +1,6 @@
-// Where the simulator is: on Windows behind its named pipe, unless a SimConnect.cfg says otherwise. That is an
-// INI file; section [SimConnect.0], else [SimConnect]; keys Protocol (IPv4), Address, Port and DisableNagle.
-// Looked for in the working folder, then in the user's home folder.
+// Where the simulator is: on Windows behind its named pipe if there is one, unless a SimConnect.cfg says
+// otherwise. That is an INI file; section [SimConnect.0], else [SimConnect]; keys Protocol (IPv4), Address,
+// Port and DisableNagle. Looked for in the working folder, then in the user's home folder.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 namespace skl {
 
 struct SimConnectAddress {
-    std::string pipe;  ///< empty: over TCP to the host
+    std::string pipe;  ///< tried first unless empty; where there is none, TCP to the host
     std::string host = "localhost";
     uint16_t port = 2048;
     bool noDelay =
@@ -20,8 +20,9 @@ struct SimConnectAddress {
 
 /// False when the text is not a usable configuration: `trouble` then says what is wrong with it.
 bool lf_parseSimConnectConfig(std::string_view text, SimConnectAddress& address, std::string& trouble);
-/// The address in force: of the first file found, else this machine's: the simulator's pipe on Windows, TCP
-/// elsewhere. False when that file is broken; the search does not go on behind it, and `trouble` names it.
+/// The address in force: of the first file found, else this machine's: on Windows the simulator's pipe, and
+/// TCP where there is none. False when that file is broken; the search does not go on behind it, and
+/// `trouble` names it.
 bool lf_findSimulator(SimConnectAddress& address, std::string& trouble);
 
 }  // namespace skl

@@ -145,7 +145,8 @@ std::unique_ptr<SimConnect> makeClient() {
     return std::make_unique<WireClient>([](std::string& trouble) -> std::unique_ptr<net::ByteStream> {
         SimConnectAddress address;
         if (!lf_findSimulator(address, trouble)) return nullptr;
-        if (!address.pipe.empty()) return net::network().connectPipe(address.pipe);
+        if (!address.pipe.empty())
+            if (auto stream = net::network().connectPipe(address.pipe)) return stream;
         return net::network().connectTcp(address.host, address.port, address.noDelay);
     });
 }

@@ -157,7 +157,9 @@ class PipeStream : public ByteStream {
 }  // namespace
 
 std::unique_ptr<ByteStream> openPipe(const std::string& name) {
-    return std::make_unique<PipeStream>(name);
+    auto stream = std::make_unique<PipeStream>(name);
+    if (stream->state(Millis(0)) == ByteStream::State::failed) return nullptr;
+    return stream;
 }
 
 }  // namespace skl::net
