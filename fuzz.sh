@@ -2,7 +2,7 @@
 # Fuzzes one target, or all of them one after the other, with the compiler's fuzzer and the sanitizers for addresses
 # and undefined behaviour: for so many minutes, or two million inputs when those come first. New inputs go to
 # build/fuzz/found/TARGET; one that crashes is kept as build/fuzz/crash-*. `minimise` merges what was found into the
-# committed corpus, each input that reaches something new. Installs clang where it is missing.
+# committed corpus, the few inputs that reach all that is reached. Installs clang where it is missing.
 #
 #   ./fuzz.sh TARGET|all MINUTES|minimise
 set -euo pipefail
@@ -20,7 +20,7 @@ targets=$1
 minimise() {
     local corpus=fuzz/corpus/$1 small=build/fuzz/small/$1
     rm -rf "$small" && mkdir -p "$small"
-    (cd build/fuzz && fuzz/fuzz_"$1" -merge=1 -max_len=16384 "$root/$small" "$root/$corpus" "$PWD/found/$1" \
+    (cd build/fuzz && fuzz/fuzz_"$1" -set_cover_merge=1 -use_counters=0 -max_len=16384 "$root/$small" "$root/$corpus" "$PWD/found/$1" \
         >"$1.merge.log" 2>&1)
     # Seeds that were written by hand keep their names; the rest is named by its content.
     for file in "$corpus"/*; do
