@@ -109,6 +109,9 @@ TEST_F(UserStandTest, TheListReadAgain) {
     const std::string okay = "park airports and stands are okay";
     EXPECT_EQ(message("EHRD\nEHAM,A2\n", elsewhere), "reserved stand changed from 'A1' to 'A2'");
     EXPECT_EQ(reservedStand, "A2");
+    EXPECT_TRUE(g_panel.reservedStandOk);
+    EXPECT_EQ(message("EHAM,B9\n", elsewhere), "reserved stand changed from 'A1' to 'B9'");
+    EXPECT_FALSE(g_panel.reservedStandOk) << "a slip of the pen: the panel shows it in red";
     EXPECT_EQ(message("EHRD\nEHAM,A1\n", elsewhere), okay);
     EXPECT_EQ(message("EHRD\nEHAM\n", elsewhere), okay);
     EXPECT_EQ(message("EHAM,A2\n", a1), okay) << "the user stands on one";
