@@ -162,7 +162,7 @@ class Contradictions : public EngineTest {
             ASSERT_LE(std::abs(it.simLon), 180) << it.callsign;
             ASSERT_LE(std::abs(it.simBank), 2 * pi) << it.callsign;
             ASSERT_LE(std::abs(it.simPitch), pi) << it.callsign;
-            ASSERT_LT(it.stream.size(), 100u) << it.callsign;
+            ASSERT_LT(it.stream().size(), 100u) << it.callsign;
         }
         ASSERT_LT(trafficInbox.size(), 2000u);
         ASSERT_LE(addingStack.size(), flights);
