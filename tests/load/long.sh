@@ -19,6 +19,7 @@ load() {
     local name=$1
     shift
     echo "load, $name ..." >&2
+    rm -rf "${work:?}/$name" # rows of a run before must not stand for one that failed
     unshare -n bash -c 'ip link set lo up; exec "$@"' sh python3 "$here/load.py" --build "$build" --folder "$work/$name" \
         "$@" >"$work/$name.txt" || true
     python3 - "$name" "$work/$name/rows.json" >>"$rows" <<'PYTHON'
