@@ -9,6 +9,7 @@
 #include "engine/engine.h"
 #include "engine/engine_state.h"
 #include "engine/slack.h"
+#include "engine/update_cycle.h"
 #include "tests/support/flown_aircraft.h"
 
 namespace skl::test {

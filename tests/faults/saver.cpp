@@ -93,9 +93,11 @@ int main(int argc, char** argv) {
     } else if (kind == "generated") {
         save = [&] {
             const AirportFile file = airport(isNew);
-            lf_keepGenerated(file, "airports/EGLL.xml", [&file](const std::filesystem::path& path) {
+            const auto write = [&file](const std::filesystem::path& path) {
                 return gf_writeApf(file, path, ApfMode::generated);
-            });
+            };
+            // The line is told by the scan, and the last call of the save is the renaming.
+            if (lf_keepGenerated(file, "airports/EGLL.xml", write)) gf_log("generated");
         };
     } else if (kind == "airports") {
         prepare = [&] { lf_promoteParkAirport("EGLL", filling(isNew), {51, 0}); };
