@@ -84,8 +84,8 @@ TEST_F(UserStandTest, TheStandKeptForTheUserIsCleared) {
         record.stage = FlightStage::parked;
         record.standId = sid;
     }
-    staticAcs = {{{.objectId = 7, .standId = 2, .simState = SimObjectState::active}},
-                 {{.objectId = 8, .standId = 1, .simState = SimObjectState::active}}};
+    staticAcs = {{{.standId = 2, .objectId = 7, .simState = SimObjectState::active}},
+                 {{.standId = 1, .objectId = 8, .simState = SimObjectState::active}}};
     for (const auto& gone : std::vector<std::deque<uint32_t>>{{8}, {8, 101}, {8, 101}}) {
         lf_clearReservedStand();
         EXPECT_EQ(removalQueue, gone);
