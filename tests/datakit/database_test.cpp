@@ -70,6 +70,19 @@ TEST_F(DatakitDatabase, WhatIsInconsistentIsReported) {
     EXPECT_EQ(gf_dbaseLookup("D-AIUB")->opr, "");
 }
 
+TEST_F(DatakitDatabase, TablesOfOtherMakersAreUnderstood) {
+    writeDatabaseTables();
+    writeFile(
+        "regs.csv",
+        "'registration','operator','operatoricao','typecode'\n'D-AIUA','Lufthansa, Cologne','DLH','A320'\n"
+        "'D-AIUB','','BAW','A320',\n");
+    ASSERT_EQ(kit(databaseCommand), 0) << said;
+    gf_readDbaseXml("dbase.xml");
+    EXPECT_EQ(gf_dbaseLookup("D-AIUA")->airl, "DLH") << "the code, not the name";
+    EXPECT_TRUE(gf_dbaseLookup("D-AIUB")) << "a comma at the end of a row is no field";
+    EXPECT_FALSE(says("regs.csv")) << said;
+}
+
 TEST_F(DatakitDatabase, TheOldFileStaysWhenThereIsNoNewOne) {
     writeDatabaseTables();
     writeFile("dbase.xml", "old");
