@@ -76,8 +76,16 @@ TEST_F(DatakitDatabase, TablesOfOtherMakersAreUnderstood) {
         "regs.csv",
         "'registration','operator','operatoricao','typecode'\n'D-AIUA','Lufthansa, Cologne','DLH','A320'\n"
         "'D-AIUB','','BAW','A320',\n");
+    writeFile("types.csv",
+              "designator,description,wake\nA320,L2J,M\nB77L,L2J,H\nC172,L1P,L\nEC35,H2T,L\nZZZY,,\n");
     ASSERT_EQ(kit(databaseCommand), 0) << said;
     gf_readDbaseXml("dbase.xml");
+    for (const auto& [type, category] : {std::pair{"A320", AcCategory::Large},
+                                         {"B77L", AcCategory::Heavy},
+                                         {"C172", AcCategory::Light},
+                                         {"EC35", AcCategory::Rotorcraft}})
+        EXPECT_EQ(gf_category(type), category) << type;
+    EXPECT_TRUE(says("types.csv:1: no column 'category'") && says("types.csv:6: type ZZZY: neither")) << said;
     EXPECT_EQ(gf_dbaseLookup("D-AIUA")->airl, "DLH") << "the code, not the name";
     EXPECT_TRUE(gf_dbaseLookup("D-AIUB")) << "a comma at the end of a row is no field";
     EXPECT_FALSE(says("regs.csv")) << said;

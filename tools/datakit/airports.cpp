@@ -73,8 +73,8 @@ class Index {
 void readTable(SourceFile& file, bool keepClosed, Index& index) {
     enum { ident, lat, lon, elevation, name, iata, type };
     CsvTable table(file, {{"ident", true, {"icao", "code"}},
-                          {"latitude_deg", true, {"lat", "latitude"}},
-                          {"longitude_deg", true, {"lon", "longitude"}},
+                          {"latitude_deg", true, {"lat_deg", "lat", "latitude"}},
+                          {"longitude_deg", true, {"lon_deg", "lon", "longitude"}},
                           {"elevation_ft", false, {"alt", "elevation"}},
                           {"name"},
                           {"iata_code", false, {"iata"}},
