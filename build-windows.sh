@@ -2,22 +2,24 @@
 # Makes dist/Skylantern-<version>-windows.zip on Debian: installs what is missing, builds the libraries and the program
 # with mingw-w64, and packs them with the documents, the data and the licences of what is linked in.
 #
-#   ./build-windows.sh [--tests] [--bench]
+#   ./build-windows.sh [--tests] [--bench] [--site ADDRESS]
 #
-# --tests  builds the tests too and runs them with wine, then the packed program beside the stand-ins
-# --bench  also measures tick and flush under wine, as a ratio to the Linux build
+# --tests         builds the tests too and runs them with wine, then the packed program beside the stand-ins
+# --bench         also measures tick and flush under wine, as a ratio to the Linux build
+# --site ADDRESS  the data site that the program fetches from, such as https://data.example.org/downloads/
 set -euo pipefail
 cd "$(dirname "$0")"
 
-tests=OFF
-bench=OFF
-for option in "$@"; do
-    case $option in
+tests=OFF bench=OFF site=
+while [ $# -gt 0 ]; do
+    case $1 in
         --tests) tests=ON ;;
         --bench) bench=ON ;;
-        -h | --help) sed -n '2,8p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
-        *) echo "unknown option $option, see --help" >&2; exit 2 ;;
+        --site) site=${2:?"--site needs an address"}; shift ;;
+        -h | --help) sed -n '2,9p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+        *) echo "unknown option $1, see --help" >&2; exit 2 ;;
     esac
+    shift
 done
 
 largest_mb=12
@@ -29,7 +31,7 @@ tools/install_packages.sh g++-mingw-w64-x86-64-posix libz-mingw-w64-dev libmsgsl
 SKYLANTERN_WINDOWS_LIBRARIES=$(tools/build_windows_dependencies.sh)
 export SKYLANTERN_WINDOWS_LIBRARIES
 
-cmake --preset windows -DSKYLANTERN_TESTS=$tests -DSKYLANTERN_BENCH=$bench >/dev/null
+cmake --preset windows -DSKYLANTERN_TESTS=$tests -DSKYLANTERN_BENCH=$bench "-DSKYLANTERN_SITE_BASE=$site" >/dev/null
 cmake --build --preset windows | tail -n 1
 # The data are enciphered by a program of this system.
 cmake --preset release >/dev/null

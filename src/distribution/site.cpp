@@ -46,20 +46,6 @@ class Patience {
     Nanos since_ = gf_steadyNow();
 };
 
-bool fetch(const std::string& url, std::string& content) {
-    Patience left;
-    return platform::httpGet(
-        {.url = url,
-         .userAgent = std::string(userAgent),
-         .body =
-             [&content](std::string_view piece) {
-                 if (piece.size() > largestBody - content.size()) return false;
-                 content += piece;
-                 return true;
-             },
-         .goOn = [&left](uint64_t received) { return !gf_stopping() && left.lasts(received); }});
-}
-
 /// Whether a file can be written there, as gf_writeText does it; asked before the site is.
 bool canWrite(const fs::path& path) {
     fs::path beside = path;
@@ -71,6 +57,32 @@ bool canWrite(const fs::path& path) {
 }
 
 }  // namespace
+
+platform::HttpResult lf_fetch(const std::string& url, std::string& content) {
+    Patience left;
+    std::string_view ended;
+    platform::HttpResult result =
+        platform::httpGet({.url = url,
+                           .userAgent = std::string(userAgent),
+                           .body =
+                               [&](std::string_view piece) {
+                                   if (piece.size() > largestBody - content.size()) {
+                                       ended = "is larger than any file of a site";
+                                       return false;
+                                   }
+                                   content += piece;
+                                   return true;
+                               },
+                           .goOn =
+                               [&](uint64_t received) {
+                                   if (gf_stopping()) return false;
+                                   if (left.lasts(received)) return true;
+                                   ended = "no byte has come for 10 s";
+                                   return false;
+                               }});
+    if (!ended.empty()) result.error = ended;
+    return result;
+}
 
 bool gf_siteKnown() {
     if (!siteBase.empty()) return true;
@@ -93,7 +105,7 @@ bool gf_download(const std::string& url, const fs::path& path, bool /*binary: by
     try {
         std::string content;
         const bool writable = canWrite(path);
-        if (writable && !fetch(url, content)) return false;
+        if (writable && !lf_fetch(url, content).whole) return false;
         if (writable && gf_writeText(content, path, false)) return true;
         gf_log(fmt::format("Could not open output file: {}", gf_pathText(path)));
     } catch (const std::exception& error) {

@@ -18,7 +18,13 @@ struct HttpRequest {
     std::function<bool(uint64_t received)> goOn;
 };
 
-/// One GET on the calling thread. True when the answer was a success (status 2xx) and its body came whole.
-bool httpGet(const HttpRequest& request);
+struct HttpResult {
+    bool whole = false;  ///< the answer was a success (status 2xx) and its body came whole
+    int status = 0;      ///< of the answer; 0 if none came
+    std::string error;  ///< why no whole answer came; empty where the status tells it, or the caller ended it
+};
+
+/// One GET on the calling thread.
+HttpResult httpGet(const HttpRequest& request);
 
 }  // namespace skl::platform

@@ -46,41 +46,49 @@ void setOptions(Transfer& transfer) {
 #endif
 }
 
-/// The result of the transfer that the handle was added for; nothing of it while it is under way.
-bool wholeBody(CURLM* multi, CURL* easy) {
+/// How the transfer ended that the handle was added for.
+HttpResult resultOf(CURLM* multi, CURL* easy) {
+    HttpResult result;
+    long status = 0;
+    curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
+    result.status = static_cast<int>(status);
     int left = 0;
     while (const CURLMsg* message = curl_multi_info_read(multi, &left)) {
         if (message->msg != CURLMSG_DONE || message->easy_handle != easy) continue;
-        long status = 0;
-        curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
-        return message->data.result == CURLE_OK && status >= lowestSuccess && status < lowestOther;
+        const CURLcode code = message->data.result;
+        result.whole = code == CURLE_OK && status >= lowestSuccess && status < lowestOther;
+        if (code != CURLE_OK && code != CURLE_HTTP_RETURNED_ERROR) result.error = curl_easy_strerror(code);
     }
-    return false;
+    return result;
 }
 
-bool drive(CURLM* multi, Transfer& transfer) {
-    for (int running = 1;;) {
-        if (curl_multi_perform(multi, &running) != CURLM_OK) return false;
-        if (running == 0) return wholeBody(multi, transfer.easy);
-        if (!transfer.request.goOn(transfer.received)) return false;
-        if (curl_multi_poll(multi, nullptr, 0, waitMs, nullptr) != CURLM_OK) return false;
+HttpResult drive(CURLM* multi, Transfer& transfer) {
+    for (int running = 1; running != 0;) {
+        if (curl_multi_perform(multi, &running) != CURLM_OK) return {.error = "the transfer broke off"};
+        if (running == 0) break;
+        // What is left unfinished is no whole body.
+        if (!transfer.request.goOn(transfer.received)) break;
+        if (curl_multi_poll(multi, nullptr, 0, waitMs, nullptr) != CURLM_OK)
+            return {.error = "waiting for the server failed"};
     }
+    return resultOf(multi, transfer.easy);
 }
 
 }  // namespace
 
-bool httpGet(const HttpRequest& request) {
+HttpResult httpGet(const HttpRequest& request) {
     static const bool ready = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    if (!ready) return false;
+    const HttpResult unable{.error = "the HTTP library cannot be used"};
+    if (!ready) return unable;
     const std::unique_ptr<CURL, void (*)(CURL*)> easy(curl_easy_init(), curl_easy_cleanup);
     const std::unique_ptr<CURLM, CURLMcode (*)(CURLM*)> multi(curl_multi_init(), curl_multi_cleanup);
-    if (!easy || !multi) return false;
+    if (!easy || !multi) return unable;
     Transfer transfer{request, easy.get()};
     setOptions(transfer);
-    if (curl_multi_add_handle(multi.get(), easy.get()) != CURLM_OK) return false;
-    const bool whole = drive(multi.get(), transfer);
+    if (curl_multi_add_handle(multi.get(), easy.get()) != CURLM_OK) return unable;
+    HttpResult result = drive(multi.get(), transfer);
     curl_multi_remove_handle(multi.get(), easy.get());
-    return whole;
+    return result;
 }
 
 }  // namespace skl::platform

@@ -97,10 +97,11 @@ TEST_F(DatakitAirports, AnAirportWithoutAPositionTakesItFromItsRunways) {
                              "datum_lat 52.5\n1302 datum_lon 1.5\n"
                              "100 30 2 0 0.25 0 0 0 09 10 10 0 0 2 0 0 0 27 10 10 0 0 2 0 0 0\n"
                              "16 0 0 0 SEAP Water\n101 49 1 08 35.0 -50.0 26 35.2 -50.2\n"
-                             "17 5 0 0 HELI Pad\n102 H1 45.0 8.0 0 20 20 1 0 0 0 0\n"
-                             "1 5 0 0 NONE Nowhere\n99\n");
+                             "17 5 0 0 HELI [H] Pad\n102 H1 45.0 8.0 0 20 20 1 0 0 0 0\n"
+                             "1 5 0 0 NONE Nowhere\n1 5 0 0 GONE [X] Closed\n102 H1 45.0 8.0 0\n99\n");
     ASSERT_EQ(make({"apt.dat"}), 0) << said;
     EXPECT_EQ(codes(), "EGXA HELI NFTE SEAP ");
+    EXPECT_EQ(gf_airportName("HELI"), "Pad");
     EXPECT_NEAR(gf_findAirport("NFTE")->lat, -17.01, 1e-9);
     EXPECT_NEAR(gf_findAirport("NFTE")->lon, -179.99, 1e-9);
     EXPECT_EQ(gf_findAirport("EGXA")->lat, 52.5);
@@ -116,10 +117,12 @@ TEST_F(DatakitAirports, NothingIsWrittenOverByWhatCannotBeUsed) {
     writeFile("columns.csv", "a,b\n1,2\n");
     writeFile("empty.csv", "");
     writeFile("old.dat", "I\n850 Version\n99\n");
+    writeFile("apt.dat.gz", std::string("\x1F\x8B\x08\0\n", 5));
     for (const auto& [file, why] : {std::pair{"none.csv", "no airport in any source"},
                                     {"columns.csv", "columns.csv:1: has no column 'ident'"},
                                     {"empty.csv", "empty.csv: is empty"},
                                     {"old.dat", "old.dat:2: '850 Version' is no format"},
+                                    {"apt.dat.gz", "apt.dat.gz: is packed by gzip or zip"},
                                     {"gone.csv", "gone.csv: cannot be read"},
                                     {".", "is a folder"}}) {
         EXPECT_EQ(kit({"airports", "--out", "input", file}), 1) << file;
@@ -129,17 +132,17 @@ TEST_F(DatakitAirports, NothingIsWrittenOverByWhatCannotBeUsed) {
     EXPECT_FALSE(fs::exists("input/airports_msfs.xml.new"));
     writeFile(
         "cut.dat",
-        aptHead + "1 10 0 0 EGAA A\n1302 datum_lat 54\n1302 datum_lon -6\n1 10 0 0 EGBB B\n1302 datum_lat 5");
+        aptHead + "1 10 0 0 EGAA A\n1302 datum_lat 54\n1302 datum_lon -6\n1 10 0 0 EGBB B\n102 H1 52.0 -1");
     ASSERT_EQ(make({"cut.dat"}), 0) << said;
     EXPECT_TRUE(says("cut.dat:8: the file ends without a row 99")) << said;
-    EXPECT_EQ(codes(), "EGAA ");
+    EXPECT_EQ(codes(), "EGAA ") << "half a row tells another place";
 }
 
 TEST_F(DatakitAirports, UseIsToldAndAReportTakesAll) {
     for (const auto& [words, status] : {std::pair<std::vector<std::string>, int>{{}, 2},
                                         {{"fly"}, 2},
                                         {{"--help"}, 0},
-                                        {{"airports", "--help"}, 0},
+                                        {{"airports", "-h"}, 0},
                                         {{"airports", "--fly"}, 2},
                                         {{"airports", "--out"}, 2},
                                         {{"airports", "--out", "x"}, 2},

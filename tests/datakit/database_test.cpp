@@ -57,17 +57,40 @@ TEST_F(DatakitDatabase, WhatIsInconsistentIsReported) {
     for (const char* text :
          {"types.csv:2: type A320 is said to be similar to 'A399'",
           "types.csv:3: type A320 stands in types.csv:2 already",
-          "types.csv:4: type B738 has no span and 2 aircraft", "types.csv:6: type XX: 'odd' is none of",
-          "types.csv:6: type XX: '400' m", "airlines.csv:3: 'Toolong'",
-          "regs.csv:3: DAIUA stands in regs.csv:2 already", "regs.csv:4: D-A: type 'A399' is not in",
-          "regs.csv:5: PH-BXA: airline KLM is not in", "regs.csv:7: 'b?d'",
-          "regs.csv:8: D-AIUB: 'Lufthansa' is no code", "nothing for the list 'heavy'", "1 unknown airlines"})
+          "types.csv:4: type B738 has no span and 2 aircraft: they take the mean",
+          "types.csv:6: type XX: 'odd' is none of", "types.csv:6: type XX: '400' m",
+          "airlines.csv:3: 'Toolong'", "regs.csv:3: DAIUA stands in regs.csv:2 already",
+          "regs.csv:4: D-A: type 'A399' is not in", "regs.csv:5: PH-BXA: airline KLM is not in",
+          "regs.csv:7: 'b?d'", "regs.csv:8: D-AIUB: 'Lufthansa' is no code", "nothing for the list 'heavy'",
+          "1 unknown airlines"})
         EXPECT_TRUE(says(text)) << text << "\n" << said;
     EXPECT_FALSE(says("type A319 has no span")) << "nothing of that type flies";
     gf_readDbaseXml("dbase.xml");
     EXPECT_EQ(dbaseRecords.size(), 4u);
     EXPECT_EQ(gf_dbaseLookup("PH-BXA")->airl, "KLM") << "the operator's colours";
     EXPECT_EQ(gf_dbaseLookup("D-AIUB")->opr, "");
+}
+
+TEST_F(DatakitDatabase, TablesOfOtherMakersAreUnderstood) {
+    writeDatabaseTables();
+    writeFile(
+        "regs.csv",
+        "'registration','operator','operatoricao','typecode'\n'D-AIUA','Lufthansa, Cologne','DLH','A320'\n"
+        "'D-AIUB','','BAW','A320',\n");
+    writeFile("types.csv",
+              "designator,description,wake\nA320,L2J,M\nB77L,L2J,H\nC172,L1P,L\nEC35,H2T,L\nZZZY,,\n");
+    ASSERT_EQ(kit(databaseCommand), 0) << said;
+    gf_readDbaseXml("dbase.xml");
+    for (const auto& [type, category] : {std::pair{"A320", AcCategory::Large},
+                                         {"B77L", AcCategory::Heavy},
+                                         {"C172", AcCategory::Light},
+                                         {"EC35", AcCategory::Rotorcraft}})
+        EXPECT_EQ(gf_category(type), category) << type;
+    EXPECT_TRUE(says("types.csv:2: type A320 has no span and 2 aircraft: no type has one")) << said;
+    EXPECT_TRUE(says("types.csv:1: no column 'category'") && says("types.csv:6: type ZZZY: neither")) << said;
+    EXPECT_EQ(gf_dbaseLookup("D-AIUA")->airl, "DLH") << "the code, not the name";
+    EXPECT_TRUE(gf_dbaseLookup("D-AIUB")) << "a comma at the end of a row is no field";
+    EXPECT_FALSE(says("regs.csv")) << said;
 }
 
 TEST_F(DatakitDatabase, TheOldFileStaysWhenThereIsNoNewOne) {

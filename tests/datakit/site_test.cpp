@@ -144,6 +144,61 @@ TEST_F(DatakitSite, TheCheckTellsWhatTheProgramRefuses) {
         EXPECT_TRUE(says(text)) << text << "\n" << said;
 }
 
+TEST_F(DatakitSite, ThreadsAServedSiteIsCheckedByItsAddress) {
+    using site::FaultKind;
+    unsetenv("http_proxy");
+    gf_setSiteBase("http://own");
+    writeFile("makers.csv", "name\nNorth Co\n");
+    writeFile("works.csv",
+              "publisher,airport,stands,simulator\nNorth Co,EGLL,1,2020\nNorth Co,EGKK,1,2024\n");
+    writeFile("works/North Co/EGLL.xml", stock());
+    auto words = databaseCommand;
+    words.insert(words.end(), {"--publishers", "makers.csv", "--publications", "works.csv"});
+    ASSERT_EQ(kit(words), 0) << said;
+    ASSERT_EQ(kit({"site", "--out", "site", "--database", "dbase.xml", "--thirdparty", "works"}), 0) << said;
+    const std::string served = (root / "site").string();  // a check has a working folder of its own
+    struct Case {
+        const char* what;
+        std::vector<site::Fault> faults;
+        int status;
+        std::vector<std::string> told;
+    };
+    const std::string stockFile = "/downloads/MSFS/archive/stock/EGLL.xml";
+    for (const Case& c :
+         {Case{"a site without fault",
+               {},
+               0,
+               {"1 airports in the index, 3 airport files with 3 stands", "nothing would be refused",
+                "EGKK1 of North Co: http://127.0.0.1:"}},
+          {"the version file alone is there",
+           {{"/downloads/dbase.enc", FaultKind::kMissing, {}}},
+           1,
+           {"/downloads/dbase.enc: REFUSED: versions.json tells its version, and it is not there"}},
+          {"no stock file: none asks for more",
+           {{stockFile, FaultKind::kMissing, {}}},
+           0,
+           {"2 airport files"}},
+          {"a body cut short",
+           {{stockFile, FaultKind::kCut, 20}},
+           1,
+           {stockFile + ": REFUSED: cannot be fetched: ", "2 airport files", "1 would be refused"}}}) {
+        SCOPED_TRACE(c.what);
+        SiteServer server(served, c.faults);
+        EXPECT_EQ(kit({"check", server.url("/")}), c.status);
+        for (const std::string& text : c.told) EXPECT_TRUE(says(text)) << text << "\n" << said;
+    }
+    std::string address;
+    {
+        SiteServer server(served);
+        address = server.url("/downloads");
+        EXPECT_EQ(kit({"check", "--only", "EGKK", address}), 0);
+        EXPECT_TRUE(says("0 airport files")) << said;
+    }
+    EXPECT_EQ(kit({"check", address}), 1) << "the server is gone";
+    EXPECT_TRUE(says("/downloads/versions.json: ")) << said;
+    EXPECT_EQ(gf_siteFileUrl(""), "http://own/") << "the program's own site is back";
+}
+
 TEST_F(DatakitSite, WhatTheProgramWouldRefuseIsNotPutThere) {
     const std::string before = readFile(downloads / "dbase.enc");
     for (const auto& [text, why] :

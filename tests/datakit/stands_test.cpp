@@ -140,7 +140,8 @@ TEST_F(DatakitStands, GeneratedFilesAndTheOrderOfSources) {
         "scanned/EGLL.xml",
         "<parameters><parameter name='altitude' value='80'/><parameter name='airport_name' value='Mine'/>"
         "</parameters><parkpositions><parkpos id='X1' latitude='51.47' longitude='-0.46' heading='1' "
-        "radius='30' cargo='false' ramp='false'/></parkpositions>");
+        "radius='30' cargo='false' ramp='false'/>\n<parkpos id='X2' latitude='51.470001' longitude='-0.46' "
+        "radius='30'/></parkpositions>");
     writeFile("scanned/EGKK.xml", "<parameters>\n\n<parameter name='alt");
     writeFile("scanned/EGCC.xml", "<parameters/><parkpositions/>");
     writeFile("scanned/EGPH.xml",
@@ -150,14 +151,29 @@ TEST_F(DatakitStands, GeneratedFilesAndTheOrderOfSources) {
     read("EGLL");
     EXPECT_EQ(stands.size(), 1u);
     EXPECT_EQ(row("altitude") + row("airport_name") + row("publisher"), "80Minestock");
-    for (const char* text :
-         {"EGKK.xml:3: ", "EGCC.xml: has no row 'altitude'", "EGPH.xml: 94: Parking position 1 appears"})
+    for (const char* text : {"EGLL.xml:2: stand 'X2' lies on stand 'X1': left out", "EGKK.xml:3: ",
+                             "EGCC.xml: has no row 'altitude'", "EGPH.xml: 94: Parking position 1 appears"})
         EXPECT_TRUE(says(text)) << text << "\n" << said;
     EXPECT_FALSE(std::filesystem::exists("stock/EGPH.xml"));
     ASSERT_EQ(make({"apt.dat", "scanned"}), 0);
     read("EGLL");
     EXPECT_EQ(stands.size(), 7u);
     EXPECT_EQ(make({"--only", "EGKK", "apt.dat"}), 1);
+}
+
+TEST_F(DatakitStands, AFileOfAnotherDayStaysUnlessItsStandsAreOthers) {
+    writeFile("apt.dat", field());
+    ASSERT_EQ(make({"apt.dat"}), 0) << said;
+    std::string text = readFile("stock/EGLL.xml");
+    const size_t day = text.find("value", text.find("name=\"date\"")) + 7;
+    text.replace(day, text.find('"', day) - day, "Jan 01, 2001");
+    writeFile("stock/EGLL.xml", text);
+    ASSERT_EQ(make({"apt.dat"}), 0);
+    EXPECT_EQ(readFile("stock/EGLL.xml"), text);
+    EXPECT_EQ(make({"--radii", "C=19", "apt.dat", "gone"}), 1);
+    EXPECT_EQ(readFile("stock/EGLL.xml"), text) << "not all sources are there";
+    ASSERT_EQ(make({"--radii", "C=19", "apt.dat"}), 0);
+    EXPECT_EQ(readFile("stock/EGLL.xml").find("2001"), std::string::npos);
 }
 
 }  // namespace

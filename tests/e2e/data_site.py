@@ -100,6 +100,11 @@ def live_on_it(world, build):
         except OSError:
             return False
     world.wait_for(answers, "the site answers")
+    environment = {name: value for name, value in os.environ.items() if not name.lower().endswith("_proxy")}
+    check = subprocess.run([str(build / "datakit"), "check", BASE], env=environment, stdout=subprocess.PIPE,
+                           stderr=subprocess.STDOUT, text=True, check=False)
+    world.check(check.returncode == 0 and "nothing would be refused" in check.stdout, f"a check: {check.stdout}")
+    tell("a check by its address finds nothing to refuse")
     inputs = world.run_folder / "input"
     shutil.rmtree(inputs)
     inputs.mkdir()

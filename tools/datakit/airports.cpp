@@ -30,11 +30,12 @@ struct Entry {
 /// All airports, the first source that has one decides where it lies.
 class Index {
   public:
-    explicit Index(Findings& findings) : findings_(findings) {}
+    Index(Findings& findings, Progress progress) : findings_(findings), progress_(std::move(progress)) {}
 
     void beginSource(const std::string& name) { sources_.push_back(name); }
 
     void add(Entry entry) {
+        progress_.step();
         entry.source = sources_.size();
         const auto [found, added] = places_.try_emplace(entry.code, entries_.size());
         if (added) {
@@ -63,6 +64,7 @@ class Index {
 
   private:
     Findings& findings_;
+    Progress progress_;
     std::vector<std::string> sources_;
     std::vector<Entry> entries_;
     StringMap<size_t> places_;
@@ -71,8 +73,8 @@ class Index {
 void readTable(SourceFile& file, bool keepClosed, Index& index) {
     enum { ident, lat, lon, elevation, name, iata, type };
     CsvTable table(file, {{"ident", true, {"icao", "code"}},
-                          {"latitude_deg", true, {"lat", "latitude"}},
-                          {"longitude_deg", true, {"lon", "longitude"}},
+                          {"latitude_deg", true, {"lat_deg", "lat", "latitude"}},
+                          {"longitude_deg", true, {"lon_deg", "lon", "longitude"}},
                           {"elevation_ft", false, {"alt", "elevation"}},
                           {"name"},
                           {"iata_code", false, {"iata"}},
@@ -108,8 +110,9 @@ void readTable(SourceFile& file, bool keepClosed, Index& index) {
     }
 }
 
-void readApt(SourceFile& file, Index& index) {
+void readApt(SourceFile& file, bool keepClosed, Index& index) {
     readAptDat(file, [&](AptAirport&& airport) {
+        if (airport.closed && !keepClosed) return;
         if (!airport.place) {
             file.findings().tell(
                 "positions", file.at(airport.line),
@@ -155,14 +158,11 @@ std::string namesText(const std::vector<Entry>& entries) {
 int makeAirports(Job& job) {
     const fs::path out = job.arguments.needed("--out");
     if (job.arguments.rest().empty()) throw Misuse("datakit airports needs a source");
-    Index index(job.findings);
+    Index index(job.findings, Progress(job.notes, "airports: rows"));
     for (const std::string& path : job.arguments.rest()) {
         SourceFile file(path, job.findings);
         index.beginSource(path);
-        if (isAptDat(path))
-            readApt(file, index);
-        else
-            readTable(file, job.arguments.has("--keep-closed"), index);
+        (isAptDat(path) ? readApt : readTable)(file, job.arguments.has("--keep-closed"), index);
     }
     const auto entries = index.take();
     if (entries.empty()) throw Failure("no airport in any source, nothing is written");
@@ -189,7 +189,8 @@ iata_code and type, or an apt.dat of format 1000 to 1200. The order decides: whe
 is told by the first source that has it; later ones add a name, an IATA code or an elevation that it
 leaves open.)",
          .options = {{"--out", "DIR", "where the two files go"},
-                     {"--keep-closed", "", "takes rows of the type 'closed' too"}}},
+                     {"--keep-closed", "",
+                      "takes rows of the type 'closed', and names of apt.dat with [X], too"}}},
         makeAirports};
 }
 

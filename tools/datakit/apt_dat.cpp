@@ -81,9 +81,10 @@ class Reader {
             lastLine_ = line.number;
             ended = readRow(line);
         }
-        // A row that the end of the file has cut off may be half a row: it is told, and taken if it reads.
         if (!ended)
-            tell("cut files", lastLine_, "the file ends without a row 99: its last airport may lack stands");
+            tell("cut files", lastLine_,
+                 "the file ends without a row 99: its last airport may lack stands, and half a row is left "
+                 "out");
         finish();
     }
 
@@ -112,6 +113,7 @@ class Reader {
         std::string_view text = line.text;
         const std::string_view code = takeWord(text);
         if (code == "99") return true;
+        if (line.open) return false;  // half a row would be a wrong one
         if (code == "1" || code == "16" || code == "17") {
             finish();
             begin(text, line.number);
@@ -148,7 +150,7 @@ class Reader {
         takeWord(text);
         takeWord(text);
         const std::string_view ident = takeWord(text);
-        airport_.name = restOf(text);
+        setName(restOf(text));
         if (const auto code = airportCode(ident))
             airport_.code = *code;
         else
@@ -158,6 +160,13 @@ class Reader {
         else
             tell("elevations", line,
                  fmt::format("airport {} has no elevation that can be: left open", ident));
+    }
+
+    /// Some names have a mark in front: [H] a heliport, [S] a seaplane base, [X] closed.
+    void setName(const std::string& text) {
+        const bool marked = text.size() > 3 && text[0] == '[' && text[2] == ']';
+        airport_.closed = marked && text[1] == 'X';
+        airport_.name = marked ? gf_trim(std::string_view(text).substr(3)) : text;
     }
 
     /// The places that begin at these words, counted from the one behind the row's code.

@@ -37,6 +37,7 @@ struct AptAirport {
     std::string iata, name;
     std::optional<LaLo> place;  ///< its own, else the middle of its runways, helipads or stands
     std::optional<double> elevation;
+    bool closed = false;  ///< its name says so
     std::vector<AptStand> stands;
     uint64_t line = 0;
 };

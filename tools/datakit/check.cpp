@@ -1,10 +1,8 @@
-// check: reads a whole site with the program's own readers, in a folder of its own, and tells what they
-// refuse.
+// check: reads a whole site, a folder or one that is served, with the program's own readers in a folder of
+// its own, and tells what they refuse.
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <pugixml.hpp>
 #include <set>
@@ -13,6 +11,7 @@
 #include "airports/airport_file.h"
 #include "airports/airport_index.h"
 #include "core/errors.h"
+#include "core/fnv.h"
 #include "core/folders.h"
 #include "core/parameters.h"
 #include "core/text.h"
@@ -26,6 +25,7 @@
 #include "tools/datakit/commands.h"
 #include "tools/datakit/output_file.h"
 #include "tools/datakit/program_log.h"
+#include "tools/datakit/site_files.h"
 #include "tools/datakit/site_tree.h"
 
 namespace skl::datakit {
@@ -57,12 +57,16 @@ class ProgramFolder {
 
 class Check {
   public:
-    Check(Job& job, fs::path downloads)
-        : job_(job), downloads_(std::move(downloads)), progress_(job.notes, "check: airport files") {}
+    Check(Job& job, const std::string& site)
+        : job_(job), site_(site), progress_(job.notes, "check: airport files") {
+        for (const std::string& word : job.arguments.list("--only")) {
+            const auto code = airportCode(word);
+            if (!code) throw Misuse(fmt::format("--only: '{}' is no code of an airport", word));
+            only_.insert(*code);
+        }
+    }
 
     int run() {
-        std::error_code error;
-        if (!fs::is_directory(downloads_, error)) throw Failure(gf_pathText(downloads_) + ": is no folder");
         const ProgramFolder folder;
         gf_clearAirports();
         gf_clearDbase();
@@ -71,9 +75,9 @@ class Check {
         checkDatabase();
         checkRegcodes();
         checkIndex();
-        checkAirportFiles();
         checkPack();
-        checkPublications();
+        checkPromises();
+        checkAirportFiles();
         job_.out << fmt::format(
             "{} registrations, {} registration rows, {} airports in the index, {} airport files "
             "with {} stands\n",
@@ -84,240 +88,265 @@ class Check {
     }
 
   private:
-    Place at(const fs::path& path) const { return {gf_pathText(path), 0}; }
-    void refuse(const fs::path& path, std::string_view why) {
+    // Files are called by their names in SiteFiles.
+    void refuse(const std::string& name, std::string_view why) {
         ++refused_;
-        job_.findings.tell("refused", at(path), fmt::format("REFUSED: {}", why));
+        job_.findings.tell("refused", {site_.shown(name), 0}, fmt::format("REFUSED: {}", why));
     }
-    void note(std::string_view kind, const fs::path& path, std::string_view text) {
-        job_.findings.tell(kind, at(path), text);
+    void note(std::string_view kind, const std::string& name, std::string_view text) {
+        job_.findings.tell(kind, {site_.shown(name), 0}, text);
     }
-    void noteComplaints(const fs::path& path) {
-        for (const std::string& complaint : log_.complaints()) note("complaints", path, complaint);
+    void noteComplaints(const std::string& name) {
+        for (const std::string& complaint : log_.complaints()) note("complaints", name, complaint);
     }
-    bool there(const fs::path& path) const {
-        std::error_code ignored;
-        return fs::is_regular_file(path, ignored);
+    /// One that cannot be fetched counts as refused, once.
+    SiteFiles::Answer look(const std::string& name) {
+        const SiteFiles::Answer answer = site_.look(name);
+        if (answer == SiteFiles::Answer::failed && failed_.insert(name).second)
+            refuse(name, fmt::format("cannot be fetched: {}", site_.trouble(name)));
+        return answer;
     }
+    bool there(const std::string& name) { return look(name) == SiteFiles::Answer::here; }
+    bool missing(const std::string& name) { return look(name) == SiteFiles::Answer::missing; }
 
     void checkVersions() {
-        const fs::path path = downloads_ / site_tree::versions;
-        if (!there(path)) {
-            refuse(path, "is not there: no program updates its data");
-            return;
-        }
+        const std::string name{site_tree::versions};
+        if (missing(name)) refuse(name, "is not there: no program updates its data");
+        if (!there(name)) return;
         nlohmann::json versions;
         try {
-            versions = nlohmann::json::parse(readWhole(path));
+            versions = nlohmann::json::parse(readWhole(site_.local(name)));
         } catch (const nlohmann::json::parse_error& error) {
-            refuse(path, fmt::format("ends the start of the program: {}", error.what()));
+            refuse(name, fmt::format("ends the start of the program: {}", error.what()));
             return;
         }
         const std::pair<const char*, std::string_view> members[] = {
             {"dbase", site_tree::database}, {"aig", site_tree::regcodes}, {"simaddon", site_tree::pack}};
-        for (const auto& [name, file] : members) {
-            const bool told = lf_toldVersion(versions, name).has_value(), served = there(downloads_ / file);
+        for (const auto& [member, told] : members) {
+            const std::string file{told};
+            const bool version = lf_toldVersion(versions, member).has_value();
             log_.lines();
-            if (told && !served)
-                refuse(downloads_ / file, "versions.json tells its version, and it is not there");
-            if (!told && served)
-                refuse(path, fmt::format("tells no version of '{}': {} is never fetched", name, file));
+            if (version && missing(file))
+                refuse(file, "versions.json tells its version, and it is not there");
+            if (!version && there(file))
+                refuse(name, fmt::format("tells no version of '{}': {} is never fetched", member, file));
         }
     }
 
     void checkDatabase() {
-        const fs::path path = downloads_ / site_tree::database;
-        if (!there(path)) {
-            note("not on the site", path, "is not there: a program needs one from elsewhere");
-            return;
-        }
-        fs::create_symlink(path, paths::dbaseEnc);
+        const std::string name{site_tree::database};
+        if (missing(name)) note("not on the site", name, "is not there: a program needs one from elsewhere");
+        if (!there(name)) return;
+        fs::create_symlink(site_.local(name), paths::dbaseEnc);
         try {
             gf_readDbase();
-            noteComplaints(path);
+            noteComplaints(name);
         } catch (const std::exception& error) {
             log_.lines();
-            refuse(path, fmt::format("ends the start of the program: {}", error.what()));
+            refuse(name, fmt::format("ends the start of the program: {}", error.what()));
         }
     }
 
     void checkRegcodes() {
-        const fs::path path = downloads_ / site_tree::regcodes;
-        if (!there(path)) {
-            note("not on the site", path, "is not there: liveries are tied to no aircraft");
-            return;
-        }
-        if (!gf_streamDecrypt(path, paths::regcodesXml)) {
-            refuse(path, "cannot be deciphered: made with another key, or changed");
+        const std::string name{site_tree::regcodes};
+        if (missing(name)) note("not on the site", name, "is not there: liveries are tied to no aircraft");
+        if (!there(name)) return;
+        if (!gf_streamDecrypt(site_.local(name), paths::regcodesXml)) {
+            refuse(name, "cannot be deciphered: made with another key, or changed");
             return;
         }
         std::vector<RegcodeRow> rows;
         const bool fine = gf_readAigRegcodes(rows);
         gf_removeTemporary(paths::regcodesXml);
         const auto complaints = log_.complaints();
-        if (!fine) refuse(path, complaints.empty() ? "cannot be read" : complaints.front());
-        for (const std::string& complaint : complaints) note("complaints", path, complaint);
+        if (!fine) refuse(name, complaints.empty() ? "cannot be read" : complaints.front());
+        for (const std::string& complaint : complaints) note("complaints", name, complaint);
         regcodeRows_ = rows.size();
     }
 
     void checkIndex() {
-        const fs::path path = downloads_ / site_tree::index, namesPath = downloads_ / site_tree::names;
-        if (!there(path)) {
-            note("not on the site", path,
+        const std::string name{site_tree::index}, names{site_tree::names};
+        if (missing(name))
+            note("not on the site", name,
                  "is not there: a program needs one from elsewhere in its folder input");
-            return;
-        }
-        fs::create_symlink(path, paths::input / site_tree::index);
+        if (!there(name)) return;
+        fs::create_symlink(site_.local(name), paths::input / site_tree::index);
         try {
-            if (!gf_readAirports(site_tree::index)) refuse(path, "holds no airport");
+            if (!gf_readAirports(site_tree::index)) refuse(name, "holds no airport");
         } catch (const std::exception& error) {
-            refuse(path, error.what());
+            refuse(name, error.what());
         }
         for (const std::string& line : log_.lines())
-            if (line.find(" airports read from ") == line.npos) note("complaints", path, line);
+            if (line.find(" airports read from ") == line.npos) note("complaints", name, line);
         for (size_t i = 1; i < airportIndex.size(); ++i)
             if (airportIndex[i].code == airportIndex[i - 1].code)
-                note("doubled idents", path,
+                note("doubled idents", name,
                      fmt::format("airport {} stands there twice", airportIndex[i].code));
-        if (!there(namesPath)) {
-            note("not on the site", namesPath, "is not there: scanned airports stay without a name");
-            return;
-        }
-        fs::create_symlink(namesPath, paths::input / site_tree::names);
+        if (missing(names))
+            note("not on the site", names, "is not there: scanned airports stay without a name");
+        if (!there(names)) return;
+        fs::create_symlink(site_.local(names), paths::input / site_tree::names);
         gf_readAirportNames();
-        for (const std::string& complaint : log_.complaints()) refuse(namesPath, complaint);
-    }
-
-    void checkAirportFiles() {
-        for (const std::string_view simulator : {site_tree::common, site_tree::of2024}) {
-            const fs::path archive = downloads_ / simulator / "archive";
-            std::error_code error;
-            if (!fs::is_directory(archive, error)) continue;
-            const fs::path link = paths::airports / simulator;
-            fs::create_directory_symlink(downloads_ / simulator, link);
-            std::set<fs::path> files;
-            for (const auto& entry : fs::recursive_directory_iterator(archive))
-                if (entry.is_regular_file()) files.insert(entry.path());
-            for (const fs::path& file : files)
-                checkAirportFile(file, link / file.lexically_relative(downloads_ / simulator));
-        }
-    }
-
-    void checkAirportFile(const fs::path& path, const fs::path& local) {
-        progress_.step();
-        const auto code = airportCode(gf_pathText(path.stem()));
-        if (path.extension() != ".xml" || !code || *code != gf_pathText(path.stem())) {
-            note("other files", path, "is not called <code>.xml: the program never asks for it");
-            return;
-        }
-        const Airport* airport = gf_findAirport(*code);
-        if (!airportIndex.empty() && !airport)
-            note("airports out of the index", path,
-                 fmt::format("{} is not in the index: never asked for", *code));
-        parkAirport = airport ? *airport : Airport{.code = *code};
-        const LaLo place = airport ? airport->pos() : LaLo{};
-        AirportFile file;
-        QualityFactors told;
-        std::vector<Stand> stands;
-        try {
-            const std::string refusal = gf_readApf(local.generic_string(), file, told, stands);
-            noteComplaints(path);
-            if (!refusal.empty()) {
-                refuse(path, refusal);
-                return;
-            }
-        } catch (const UserErrorException& error) {
-            log_.lines();
-            refuse(path, fmt::format("ends the run of the program: {}", error.what()));
-            return;
-        }
-        ++files_;
-        stands_ += stands.size();
-        checkFigures(path, told, stands);
-        for (const Stand& stand : stands)
-            if (airport && metresBetween(stand.pos(), place) > farMetres)
-                note("stands far away", path,
-                     fmt::format("stand {} lies {:.0f} km from the airport", stand.id,
-                                 metresBetween(stand.pos(), place) / 1000));
-    }
-
-    void checkFigures(const fs::path& path, QualityFactors told, const std::vector<Stand>& stands) {
-        const QualityFactors real = gf_qualityFactors(stands);
-        const QualityFactors none{0, 0};
-        const bool nothingSeen = real == QualityFactors{} && (told == none || told == QualityFactors{});
-        if (told == real || nothingSeen) return;
-        note("quality factors", path,
-             fmt::format("tells {}/{} where its options give {}/{}", told.real, told.soft, real.real,
-                         real.soft));
+        for (const std::string& complaint : log_.complaints()) refuse(names, complaint);
     }
 
     void checkPack() {
-        const fs::path path = downloads_ / site_tree::pack;
-        if (!there(path)) return;
-        const auto files = lf_readPack(readWhole(path));
+        const std::string name{site_tree::pack};
+        if (!there(name)) return;
+        const auto files = lf_readPack(readWhole(site_.local(name)));
         if (!files) {
-            refuse(path, "is no zip");
+            refuse(name, "is no zip");
             return;
         }
-        noteComplaints(path);
+        noteComplaints(name);
         fs::create_directories(paths::mySimaddon);
         for (const PackFile& file : *files) {
-            const fs::path link = paths::mySimaddon / (file.stem + ".txt");
-            gf_writeText(file.text, link, false);
-            const std::string name = gf_findAirportFile(file.stem);
-            if (name.empty())
-                refuse(path, fmt::format("{} links to no airport file", file.stem));
-            else if (!there(downloads_ / site_tree::common / name))
-                refuse(path, fmt::format("{} links to {}, which is not there", file.stem, name));
+            gf_writeText(file.text, paths::mySimaddon / (file.stem + ".txt"), false);
+            const std::string linked = gf_findAirportFile(file.stem);
+            const std::string archived = fmt::format("{}/{}", site_tree::common, linked);
+            if (linked.empty())
+                refuse(name, fmt::format("{} links to no airport file", file.stem));
+            else if (missing(archived))
+                refuse(name, fmt::format("{} links to {}, which is not there", file.stem, linked));
+            else if (there(archived))
+                promised_.insert(archived);
         }
         log_.lines();
     }
 
     /// What the database promises of other airports must be there.
-    void checkPublications() {
-        const fs::path database = downloads_ / site_tree::database;
-        for (const std::string& code : simAddons20) {
-            const fs::path file = downloads_ / site_tree::common / site_tree::simaddon / (code + ".xml");
-            if (code != nobody && !there(file))
-                note("links to nothing", database,
-                     fmt::format("simulator's airport {}: {} is not there", code, gf_pathText(file)));
-        }
+    void checkPromises() {
+        for (const std::string& code : simAddons20)
+            if (code != nobody)
+                checkPromise(fmt::format("{}/{}/{}.xml", site_tree::common, site_tree::simaddon, code),
+                             fmt::format("simulator's airport {}", code));
         for (const auto& [rows, simulator] :
              {std::pair{&thirdParties20, site_tree::common}, std::pair{&thirdParties24, site_tree::of2024}})
             for (const ThirdPartyRow& row : *rows)
-                for (const std::string& airport : row.arpts) {
-                    const fs::path file = downloads_ / simulator / site_tree::thirdparty / row.pub /
-                                          (airport.substr(0, 4) + ".xml");
-                    if (!there(file))
-                        note("links to nothing", database,
-                             fmt::format("{} of {}: {} is not there", airport, row.pub, gf_pathText(file)));
-                }
+                for (const std::string& airport : row.arpts)
+                    checkPromise(fmt::format("{}/{}/{}/{}.xml", simulator, site_tree::thirdparty, row.pub,
+                                             airport.substr(0, 4)),
+                                 fmt::format("{} of {}", airport, row.pub));
+    }
+
+    void checkPromise(const std::string& name, const std::string& what) {
+        if (missing(name))
+            note("links to nothing", std::string(site_tree::database),
+                 fmt::format("{}: {} is not there", what, site_.shown(name)));
+        else if (there(name))
+            promised_.insert(name);
+    }
+
+    void checkAirportFiles() {
+        for (const std::string_view simulator : {site_tree::common, site_tree::of2024}) {
+            const fs::path folder = site_.local(std::string(simulator));
+            if (site_.served()) fs::create_directories(folder);
+            fs::create_directory_symlink(folder, paths::airports / simulator);
+        }
+        for (const std::string& name : site_.served() ? airportFilesAskedFor() : airportFilesThere()) {
+            const fs::path file = gf_pathFromText(name);
+            const std::string stem = gf_pathText(file.stem());
+            if (!only_.empty() && !only_.contains(stem)) continue;
+            if (!site_.served()) progress_.step();
+            const auto code = airportCode(stem);
+            if (file.extension() != ".xml" || !code || *code != stem)
+                note("other files", name, "is not called <code>.xml: the program never asks for it");
+            else if (there(name))
+                checkAirportFile(name, *code);
+        }
+    }
+
+    std::set<std::string> airportFilesThere() const {
+        std::set<std::string> names;
+        for (const std::string_view simulator : {site_tree::common, site_tree::of2024})
+            names.merge(site_.below(fmt::format("{}/archive", simulator)));
+        return names;
+    }
+
+    /// Nobody can list what a server has: a program asks for a stock file when it is at an airport of the
+    /// index.
+    std::set<std::string> airportFilesAskedFor() {
+        std::set<std::string> names = promised_;
+        for (const Airport& airport : airportIndex)
+            if (only_.empty() || only_.contains(airport.code))
+                names.insert(fmt::format("{}/{}/{}.xml", site_tree::common, site_tree::stock, airport.code));
+        Progress progress(job_.notes, "check: airports asked for", names.size());
+        site_.lookAhead(names, progress);
+        std::erase_if(names, [this](const std::string& name) { return !there(name); });
+        return names;
+    }
+
+    void checkAirportFile(const std::string& name, const std::string& code) {
+        const Airport* airport = gf_findAirport(code);
+        if (!airportIndex.empty() && !airport)
+            note("airports out of the index", name,
+                 fmt::format("{} is not in the index: never asked for", code));
+        parkAirport = airport ? *airport : Airport{.code = code};
+        const LaLo place = airport ? airport->pos() : LaLo{};
+        AirportFile file;
+        QualityFactors told;
+        std::vector<Stand> stands;
+        try {
+            const fs::path local = paths::airports / gf_pathFromText(name);
+            const std::string refusal = gf_readApf(local.generic_string(), file, told, stands);
+            noteComplaints(name);
+            if (!refusal.empty()) {
+                refuse(name, refusal);
+                return;
+            }
+        } catch (const UserErrorException& error) {
+            log_.lines();
+            refuse(name, fmt::format("ends the run of the program: {}", error.what()));
+            return;
+        }
+        ++files_;
+        stands_ += stands.size();
+        checkFigures(name, told, stands);
+        for (const Stand& stand : stands)
+            if (airport && metresBetween(stand.pos(), place) > farMetres)
+                note("stands far away", name,
+                     fmt::format("stand {} lies {:.0f} km from the airport", stand.id,
+                                 metresBetween(stand.pos(), place) / 1000));
+    }
+
+    void checkFigures(const std::string& name, QualityFactors told, const std::vector<Stand>& stands) {
+        const QualityFactors real = gf_qualityFactors(stands);
+        const QualityFactors none{0, 0};
+        const bool nothingSeen = real == QualityFactors{} && (told == none || told == QualityFactors{});
+        if (told == real || nothingSeen) return;
+        note("quality factors", name,
+             fmt::format("tells {}/{} where its options give {}/{}", told.real, told.soft, real.real,
+                         real.soft));
     }
 
     Job& job_;
-    const fs::path downloads_;
+    SiteFiles site_;
     Progress progress_;
     ProgramLog log_;
+    StringSet only_;
+    std::set<std::string> failed_, promised_;  ///< names; promised: by pack and database, and there
     size_t refused_ = 0, regcodeRows_ = 0, files_ = 0, stands_ = 0;
 };
 
 int checkSite(Job& job) {
-    if (job.arguments.rest().size() != 1) throw Misuse("datakit check needs the folder of a site");
-    return Check(job, downloadsOf(job.arguments.rest()[0])).run();
+    if (job.arguments.rest().size() != 1) throw Misuse("datakit check needs a site: a folder or an address");
+    return Check(job, job.arguments.rest()[0]).run();
 }
 
 }  // namespace
 
 Command checkCommand() {
-    return {
-        {.name = "check",
-         .arguments = "SITE",
-         .summary = "reads a whole site as the program would, and tells what it refuses",
-         .text =
-             R"(Lets the program's own readers read all that lies below SITE/downloads. Status 1 when they refuse
-anything; what they only complain of, and links to files that are not there, is told.)",
-         .options = {}},
-        checkSite};
+    return {{.name = "check",
+             .arguments = "SITE",
+             .summary = "reads a whole site as the program would, and tells what it refuses",
+             .text =
+                 R"(Lets the program's own readers read a site. SITE is a folder, of which all that lies below
+SITE/downloads is read; or the address of one that is served, http://... or https://..., from which all is
+fetched that a program would fetch: its data files, and the airport files of the index, of the pack and of
+the database, each by a request of its own. Status 1 when the readers refuse anything; what they only
+complain of, and links to files that are not there, is told.)",
+             .options = {{"--only", "CODES", "the files of these airports alone, a comma list"}}},
+            checkSite};
 }
 
 }  // namespace skl::datakit

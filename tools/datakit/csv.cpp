@@ -40,21 +40,27 @@ CsvTable::CsvTable(SourceFile& file, std::vector<Column> columns) : file_(file) 
             throw Failure(file.name() + ": is empty, a header with column names is expected");
     } while (trimmed(first.text).empty());
     divider_ = dividerOf(first.text);
+    if (first.text.starts_with('\'')) quote_ = '\'';
     file.putBack({first});
     if (!readRecord()) throw Failure(file.at(first.number).text() + ": the header cannot be read");
     columns_ = fieldCount_;
+    for (std::string& name : fields_) name = lower(trimmed(name));
     for (const Column& column : columns) {
-        size_t place = npos;
-        for (size_t i = 0; i < columns_ && place == npos; ++i) {
-            const std::string name = lower(trimmed(fields_[i]));
-            if (name == column.name || std::count(column.aliases.begin(), column.aliases.end(), name) > 0)
-                place = i;
-        }
+        size_t place = placeOf(column.name);
+        for (size_t i = 0; place == npos && i < column.aliases.size(); ++i)
+            place = placeOf(column.aliases[i]);
         if (place == npos && column.required)
             throw Failure(fmt::format("{}: has no column '{}'", file.at(first.number).text(), column.name));
         if (column.required) needed_ = std::max(needed_, place + 1);
         places_.push_back(place);
     }
+}
+
+/// While the header's names are the fields.
+size_t CsvTable::placeOf(std::string_view name) const {
+    const auto end = fields_.begin() + static_cast<std::ptrdiff_t>(columns_);
+    const auto found = std::find(fields_.begin(), end, name);
+    return found == end ? npos : static_cast<size_t>(found - fields_.begin());
 }
 
 bool CsvTable::next() {
@@ -70,6 +76,8 @@ std::string_view CsvTable::operator[](size_t column) const {
 
 bool CsvTable::plausible() {
     if (fieldCount_ == 1 && trimmed(fields_[0]).empty()) return false;  // an empty line
+    // Some programs end each row with a comma.
+    while (fieldCount_ > columns_ && trimmed(fields_[fieldCount_ - 1]).empty()) --fieldCount_;
     if (fieldCount_ > columns_) {
         file_.findings().tell(
             "rows of another form", at(),
@@ -102,7 +110,7 @@ bool CsvTable::readRecord() {
             open_ = follower.open;
             record += '\n';
             record += follower.text;
-            if (follower.text.find('"') != std::string::npos && split(record, true)) return true;
+            if (follower.text.find(quote_) != std::string::npos && split(record, true)) return true;
         }
         file_.findings().tell("rows of another form", at(), "a quote is never closed: the line is left out");
         file_.putBack(followers);
@@ -119,14 +127,14 @@ bool CsvTable::split(std::string_view record, bool severalLines) {
         if (fields_.size() == fieldCount_) fields_.emplace_back();
         std::string& field = fields_[fieldCount_++];
         field.clear();
-        if (at < record.size() && record[at] == '"') {
+        if (at < record.size() && record[at] == quote_) {
             for (++at;; ++at) {
-                const size_t quote = record.find('"', at);
+                const size_t quote = record.find(quote_, at);
                 if (quote == record.npos) return false;
                 field += record.substr(at, quote - at);
                 at = quote + 1;
-                if (at >= record.size() || record[at] != '"') break;
-                field += '"';
+                if (at >= record.size() || record[at] != quote_) break;
+                field += quote_;
             }
         }
         // What follows a closing quote up to the divider belongs to the field, as spreadsheets take it.

@@ -1,5 +1,6 @@
 // Tables of comma separated values: quoted fields with doubled quotes and line ends inside, columns by the
-// names of the first row. A header without commas but with semicolons or tabs is divided by those.
+// names of the first row. A header without commas but with semicolons or tabs is divided by those; one that
+// begins with a single quote is quoted by those.
 #pragma once
 
 #include <string>
@@ -13,7 +14,8 @@ namespace skl::datakit {
 struct Column {
     std::string_view name;  ///< lower case
     bool required = false;  ///< the table must have it; a row that ends before it is left out
-    std::vector<std::string_view> aliases{};  /// other names for it
+    std::vector<std::string_view>
+        aliases{};  ///< other names; of several in a table the first of these counts
 };
 
 class CsvTable {
@@ -30,13 +32,14 @@ class CsvTable {
 
   private:
     static constexpr size_t npos = static_cast<size_t>(-1);
+    size_t placeOf(std::string_view name) const;
     /// False at the end of the file.
     bool readRecord();
     bool split(std::string_view record, bool severalLines);
     bool plausible();
 
     SourceFile& file_;
-    char divider_ = ',';
+    char divider_ = ',', quote_ = '"';
     std::vector<size_t> places_;  ///< of the columns asked for
     size_t columns_ = 0, needed_ = 0;
     std::vector<std::string> fields_;

@@ -40,6 +40,16 @@ std::optional<Category> categoryOf(std::string_view text) {
     return std::nullopt;
 }
 
+/// What the public list of designators tells: "L2J" and the like, and the class of wake turbulence. It tells
+/// neither business jets nor fighters from others of their weight.
+std::optional<Category> categoryOf(std::string_view description, std::string_view wake) {
+    const std::string kind = gf_upper(description.substr(0, 1)), weight = gf_upper(wake.substr(0, 1));
+    if (kind == "H" || kind == "G") return Category::rotorcraft;
+    if (weight == "H" || weight == "J") return Category::heavy;
+    if (weight == "M") return Category::large;
+    return weight == "L" ? std::optional(Category::light) : std::nullopt;
+}
+
 /// A name that stands in a comma list.
 std::string withoutCommas(std::string_view text) {
     std::string name(text);
@@ -50,21 +60,34 @@ std::string withoutCommas(std::string_view text) {
 }  // namespace
 
 void readTypes(SourceFile& file, Database& database) {
-    enum { type, category, span, cargo, similar };
+    enum { type, category, span, cargo, similar, description, wake };
     CsvTable table(file, {{"type", true, {"icao", "icao_type", "designator"}},
-                          {"category", true},
+                          {"category"},
                           {"span", false, {"span_m", "wingspan", "wingspan_m"}},
                           {"cargo"},
-                          {"similar"}});
+                          {"similar"},
+                          {"description"},
+                          {"wake", false, {"wtc"}}});
     const auto tell = [&](std::string_view text) { file.findings().tell("types", table.at(), text); };
+    const bool byWake = !table.has(category);
+    if (byWake && !table.has(wake))
+        throw Failure(table.at().text() + ": has no column 'category', nor 'wake' to take it from");
+    if (byWake)
+        tell(
+            "no column 'category': taken from description and wake, so that business jets and fighters count "
+            "as "
+            "large or light");
     while (table.next()) {
         const auto code = typeCode(table[type]);
         if (!code) {
             tell(fmt::format("'{}' is no designator of a type: left out", table[type]));
             continue;
         }
-        const auto known = categoryOf(table[category]);
-        if (!known)
+        const auto known = byWake ? categoryOf(table[description], table[wake]) : categoryOf(table[category]);
+        if (!known && byWake)
+            tell(
+                fmt::format("type {}: neither description nor wake tells a category: taken as light", *code));
+        else if (!known)
             tell(fmt::format(
                 "type {}: '{}' is none of light, business, large, heavy, high_performance, rotorcraft: "
                 "taken as light",

@@ -122,12 +122,16 @@ void writePublications(const std::vector<Publication>& rows, std::string_view se
 }  // namespace
 
 void checkDatabase(Database& database, Findings& findings) {
+    // As the program reckons: with no span at all it has no mean either.
+    const bool anySpan = std::any_of(database.types.begin(), database.types.end(),
+                                     [](const auto& type) { return type.second.span.has_value(); });
+    const std::string_view instead = anySpan ? "they take the mean span of its category, or else of all types"
+                                             : "no type has one, so they fit on every stand";
     for (auto& [name, entry] : database.types) {
         if (entry.aircraft > 0 && !entry.span)
             findings.tell(
                 "missing spans", entry.place,
-                fmt::format("type {} has no span and {} aircraft: they take the mean span of its category",
-                            name, entry.aircraft));
+                fmt::format("type {} has no span and {} aircraft: {}", name, entry.aircraft, instead));
         std::erase_if(entry.similar, [&](const std::string& other) {
             if (database.types.contains(other)) return false;
             findings.tell("unknown types", entry.place,

@@ -39,8 +39,8 @@ void Findings::close() {
 Progress::Progress(std::ostream& out, std::string what, uint64_t total)
     : out_(out), what_(std::move(what)), total_(total) {}
 
-void Progress::step(uint64_t count) {
-    done_ += count;
+void Progress::reach(uint64_t done) {
+    done_ = done;
     // The clock is not asked at each row.
     if (done_ < nextLook_) return;
     nextLook_ = done_ + 100;

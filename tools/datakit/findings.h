@@ -49,7 +49,8 @@ class Progress {
   public:
     /// `total` 0: not known.
     Progress(std::ostream& out, std::string what, uint64_t total = 0);
-    void step(uint64_t count = 1);
+    void step() { reach(done_ + 1); }
+    void reach(uint64_t done);  ///< so many are done
 
   private:
     void print();

@@ -17,6 +17,15 @@ namespace skl::datakit {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+uint64_t lineOfStand(const pugi::xml_document& document, std::string_view text, const std::string& id) {
+    const auto node = document.child("parkpositions").find_child_by_attribute("parkpos", "id", id.c_str());
+    return lineAt(text, static_cast<size_t>(node.offset_debug()));
+}
+
+}  // namespace
+
 std::vector<fs::path> airportFiles(const fs::path& path) {
     std::error_code ignored;
     if (!fs::is_directory(path, ignored)) return {path};
@@ -53,14 +62,23 @@ std::optional<StandList> standsOfFile(const fs::path& path, ProgramLog& log, Fin
     if (!altitude) return refuse(0, "has no row 'altitude' with a number");
     list.file.altitude = *altitude;
     list.file.trafficWeek = lf_rowInt(document, "RT_traffic_week").value_or(0);
+    std::vector<Stand> stands;
     try {
-        lf_readStands(document, list.file.stands);
+        lf_readStands(document, stands);
     } catch (const UserErrorException& error) {
         log.complaints();
         return refuse(0, error.what());
     }
     for (const std::string& complaint : log.complaints())
         findings.tell("airport files", {name, 0}, complaint);
+    for (Stand& stand : stands) {
+        const Stand* there = standOnPlace(list.file.stands, stand.pos());
+        if (there)
+            findings.tell("stands on one place", {name, lineOfStand(document, text, stand.id)},
+                          fmt::format("stand '{}' lies on stand '{}': left out", stand.id, there->id));
+        else
+            list.file.stands.push_back(std::move(stand));
+    }
     return list;
 }
 

@@ -50,7 +50,8 @@ void RegistrationReader::read(SourceFile& file) {
     enum { registration, type, operatedBy, airl, cargo };
     CsvTable table(file, {{"registration", true, {"reg"}},
                           {"type", true, {"icao_type", "typecode"}},
-                          {"operator", false, {"opr", "operator_icao", "operatoricao"}},
+                          // Where a table has codes and names of operators, the codes.
+                          {"operatoricao", false, {"operator_icao", "operator", "opr"}},
                           {"airline", false, {"airl"}},
                           {"cargo"}});
     files_.push_back(file.name());

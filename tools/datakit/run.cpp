@@ -29,9 +29,14 @@ std::string help() {
     return text + "\ndatakit COMMAND --help tells of one. Exit status 0 done, 1 failed, 2 wrong use.\n";
 }
 
+bool asksForHelp(const std::vector<std::string>& words) {
+    return std::any_of(words.begin(), words.end(),
+                       [](const std::string& word) { return word == "--help" || word == "-h"; });
+}
+
 int runCommand(const Command& command, const std::vector<std::string>& words, std::ostream& out,
                std::ostream& notes) {
-    if (std::find(words.begin(), words.end(), "--help") != words.end()) {
+    if (asksForHelp(words)) {
         out << helpOf(command.text);
         return 0;
     }
@@ -54,18 +59,21 @@ int runCommand(const Command& command, const std::vector<std::string>& words, st
 }  // namespace
 
 int run(const std::vector<std::string>& words, std::ostream& out, std::ostream& notes) {
+    std::string command;
     try {
         if (words.empty()) throw Misuse("a command is needed");
-        if (words[0] == "--help" || words[0] == "help") {
+        if (asksForHelp({words[0]}) || words[0] == "help") {
             out << help();
             return 0;
         }
-        for (const Command& command : commands())
-            if (command.text.name == words[0])
-                return runCommand(command, {words.begin() + 1, words.end()}, out, notes);
+        for (const Command& known : commands()) {
+            if (known.text.name != words[0]) continue;
+            command = words[0] + ' ';
+            return runCommand(known, {words.begin() + 1, words.end()}, out, notes);
+        }
         throw Misuse(fmt::format("'{}' is no command", words[0]));
     } catch (const Misuse& misuse) {
-        notes << fmt::format("datakit: {}; see datakit --help\n", misuse.what());
+        notes << fmt::format("datakit: {}; see datakit {}--help\n", misuse.what(), command);
         return 2;
     } catch (const std::exception& error) {
         notes << fmt::format("datakit: {}\n", error.what());

@@ -120,6 +120,8 @@ SourceFile::SourceFile(const fs::path& path, Findings& findings)
     std::string mark(3, '\0');
     file->read(mark.data(), 3);
     mark.resize(static_cast<size_t>(file->gcount()));
+    if (mark.starts_with("\x1F\x8B") || mark.starts_with("PK\x03"))
+        throw Failure(name_ + ": is packed by gzip or zip: unpack it first");
     if (mark.starts_with("\xFF\xFE") || mark.starts_with("\xFE\xFF")) {
         in_ = std::make_unique<std::istringstream>(fromUtf16(path, mark.front() == '\xFE'));
         return;

@@ -13,8 +13,8 @@ namespace skl::datakit {
 
 namespace {
 
-constexpr double samePlaceMetres = 3;  // no two aircraft stand so close, whatever the stands' names
-constexpr size_t longestName = 24;     // bytes
+constexpr double samePlaceMetres = 3;
+constexpr size_t longestName = 24;  // bytes
 
 /// A size for a stand whose row 1301 is missing or tells none.
 char guessedSize(const AptStand& stand) {
@@ -58,7 +58,7 @@ class Maker {
                 fmt::format("{}: more than {} stands: left out", airport_.code, mostStands));
             return;
         }
-        if (const Stand* there = onPlace(stand)) {
+        if (const Stand* there = standOnPlace(list_.file.stands, stand.place)) {
             file_.findings().tell("stands on one place", file_.at(stand.line),
                                   fmt::format("{}: stand '{}' lies on stand '{}': left out", airport_.code,
                                               stand.name, there->id));
@@ -86,14 +86,6 @@ class Maker {
         return radii_[static_cast<size_t>(size - 'A')];
     }
 
-    const Stand* onPlace(const AptStand& stand) const {
-        for (const Stand& other : list_.file.stands) {
-            if (std::abs(other.lat - stand.place.lat) > 0.0001) continue;
-            if (metresBetween(other.pos(), stand.place) < samePlaceMetres) return &other;
-        }
-        return nullptr;
-    }
-
     std::string freeName(const AptStand& stand) {
         const std::string name = nameOf(stand, list_.file.stands.size() + 1);
         if (names_.insert(name).second) return name;
@@ -115,6 +107,14 @@ class Maker {
 };
 
 }  // namespace
+
+const Stand* standOnPlace(const std::vector<Stand>& stands, LaLo place) {
+    for (const Stand& other : stands) {
+        if (std::abs(other.lat - place.lat) > 0.0001) continue;
+        if (metresBetween(other.pos(), place) < samePlaceMetres) return &other;
+    }
+    return nullptr;
+}
 
 StandList standsOfApt(const AptAirport& airport, const Radii& radii, bool withHangars, SourceFile& file) {
     Maker maker(airport, radii, file);

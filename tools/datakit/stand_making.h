@@ -25,6 +25,8 @@ struct StandList {
     Place place;                                     ///< where the airport begins in its source
 };
 
+/// The stand that lies where another would be: no two aircraft stand so close, whatever the stands' names.
+const Stand* standOnPlace(const std::vector<Stand>& stands, LaLo place);
 /// Hangars are left out unless `withHangars`. Two stands on one place, and names met twice, are told.
 StandList standsOfApt(const AptAirport& airport, const Radii& radii, bool withHangars, SourceFile& file);
 

@@ -34,6 +34,20 @@ Radii radiiOf(const std::vector<std::string>& items) {
     return radii;
 }
 
+/// Without the row of the day on which the document was made.
+std::string withoutDate(std::string text) {
+    const size_t row = text.find("<info name=\"date\"");
+    if (row != text.npos) text.erase(row, text.find('\n', row) - row);
+    return text;
+}
+
+/// The same stands made on another day are no other file: servers and copies are to see no change.
+void writeUnlessSame(const fs::path& path, const std::string& text) {
+    std::error_code ignored;
+    if (fs::is_regular_file(path, ignored) && withoutDate(readWhole(path)) == withoutDate(text)) return;
+    replaceIfChanged(path, text);
+}
+
 class StandsJob {
   public:
     explicit StandsJob(Job& job)
@@ -57,6 +71,10 @@ class StandsJob {
                 job_.findings.tell("database", {*database, 0}, complaint);
             databaseLoaded_ = true;
         }
+        // Else what is named first would have been written already when the next is not found.
+        for (const std::string& source : job_.arguments.rest())
+            if (std::error_code error; !fs::exists(source, error))
+                throw Failure(source + ": is neither a file nor a folder");
         readAllSightings();
         for (const std::string& source : job_.arguments.rest()) readSource(source);
         for (const auto& [code, sightings] : sightings_)
@@ -106,7 +124,7 @@ class StandsJob {
                                                first->second));
                 return;
             }
-            if (wanted(airport.code) && !done_.contains(airport.code))
+            if (wanted(airport.code) && !airport.closed && !done_.contains(airport.code))
                 take(standsOfApt(airport, radii_, job_.arguments.has("--hangars"), file));
         });
     }
@@ -123,7 +141,7 @@ class StandsJob {
         pugi::xml_document document;
         if (!lf_apfDocument(file, ApfMode::stock, document))
             throw Failure(fmt::format("the file of {} could not be made", file.code));
-        replaceIfChanged(out_ / (file.code + ".xml"), lf_xmlText(document));
+        writeUnlessSame(out_ / (file.code + ".xml"), lf_xmlText(document));
         stands_ += file.stands.size();
         for (const Stand& stand : file.stands) options_ += stand.options.size();
         done_.insert(file.code);
