@@ -17,6 +17,9 @@ class PanelWindow {
     void serve(std::chrono::milliseconds patience);
     /// Paints made so far.
     uint64_t repaints() const;
+    /// Ends the run in order, as far as the time allows, and stores where the window stands: behind this the
+    /// system ends the process.
+    void endWithSession();
     /// Stores where the window stands.
     void storePlace();
 

@@ -40,6 +40,8 @@ struct WindowEvents {
     std::function<void(int id, int index)> selected;
     std::function<void(int id, const std::string& text)> entered;  ///< Enter in an edit
     std::function<void()> closed;                                  ///< the close button
+    /// The user's session ends, and the process with it as soon as this returns; it has some 5 s.
+    std::function<void()> sessionEnds;
 };
 
 class Window {
