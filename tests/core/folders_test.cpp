@@ -68,6 +68,7 @@ TEST_F(Folders, TheCommunityFolderIsCutOffTheInstallPath) {
         {"D:\\Packages\\", "D:\\Packages\\"},
         {"D:\\MyCommunity", "D:\\MyCommunity"},
         {"/Community", "/"},
+        {"E:\\Community", "E:\\"},
         {"Community", "Community"},
         {"/", "/"},
         {"", ""}};
