@@ -41,7 +41,8 @@ platform::WindowEvents events(PanelWindow& panel) {
         gf_controlSelected,
         [](int id, const std::string& text) { gf_controlEntered(id, text); },
         gf_closeButton,
-        [&panel] { panel.endWithSession(); }};
+        [&panel] { panel.endWithSession(); },
+        [&panel] { panel.showChanges(); }};
 }
 
 }  // namespace
@@ -74,6 +75,10 @@ std::unique_ptr<PanelWindow> PanelWindow::open() {
 
 void PanelWindow::serve(std::chrono::milliseconds patience) {
     parts_->window->pump(patience);
+    showChanges();
+}
+
+void PanelWindow::showChanges() {
     for (Shown& shown : parts_->shown) {
         auto state = gf_controlState(*shown.control);
         const uint32_t refreshes = shown.control->parameter.refreshes;

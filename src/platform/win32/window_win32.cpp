@@ -25,6 +25,8 @@ constexpr int tipWidth = 400;  // a longer tip has several lines
 constexpr unsigned iconId = 100, applicationIcon = 32512, arrowCursor = 32512;
 // The children are left out of the paint: nothing of theirs flickers.
 constexpr DWORD windowStyle = WS_CAPTION | WS_SYSMENU | WS_CLIPCHILDREN;
+constexpr UINT_PTR heldUpTimer = 1;
+constexpr UINT heldUpMs = 50;
 
 /// One factor for everything, in quarters, so that lines stay crisp.
 Scale chooseScale() {
@@ -217,6 +219,17 @@ class WindowWin32 : public Window {
                 return 0;
             case WM_CLOSE:
                 events_.closed();
+                return 0;
+            case WM_ENTERSIZEMOVE:
+            case WM_ENTERMENULOOP:
+                ::SetTimer(window_, heldUpTimer, heldUpMs, nullptr);
+                return std::nullopt;
+            case WM_EXITSIZEMOVE:
+            case WM_EXITMENULOOP:
+                ::KillTimer(window_, heldUpTimer);
+                return std::nullopt;
+            case WM_TIMER:
+                events_.heldUp();
                 return 0;
             case WM_ENDSESSION:
                 if (first) events_.sessionEnds();
