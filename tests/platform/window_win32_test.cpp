@@ -30,7 +30,8 @@ class WindowWin32Test : public ::testing::Test {
             [this](int id, int index) { told_ += fmt::format("select {} {};", id, index); },
             [this](int id, const std::string& text) { told_ += fmt::format("enter {} {};", id, text); },
             [this] { told_ += "close;"; },
-            [this] { told_ += "session;"; }};
+            [this] { told_ += "session;"; },
+            [this] { ++heldUp; }};
         window = openWindow("skl-window-test", 10, 20, controls, events);
         ASSERT_TRUE(window);
         handle = ::FindWindowW(L"skl-window-test", L"skl-window-test");
@@ -58,6 +59,7 @@ class WindowWin32Test : public ::testing::Test {
     HWND handle = nullptr;
     std::map<int, ControlState> states;
     std::vector<Rect> painted;
+    int heldUp = 0;
 
   private:
     std::string told_;
@@ -162,6 +164,19 @@ TEST_F(WindowWin32Test, TheWindowStaysUntilTheProgramEndsIt) {
     EXPECT_EQ(told(), "") << "another program has stopped it";
     ::SendMessageW(handle, WM_ENDSESSION, TRUE, 0);
     EXPECT_EQ(told(), "session;");
+    // A window that is dragged, or whose menu is open, goes on showing what changes.
+    for (const auto& [begin, end] :
+         {std::pair(WM_ENTERSIZEMOVE, WM_EXITSIZEMOVE), {WM_ENTERMENULOOP, WM_EXITMENULOOP}}) {
+        heldUp = 0;
+        ::SendMessageW(handle, static_cast<UINT>(begin), 0, 0);
+        for (int i = 0; i < 200 && heldUp < 2; ++i) window->pump(std::chrono::milliseconds(50));
+        EXPECT_GE(heldUp, 2);
+        ::SendMessageW(handle, static_cast<UINT>(end), 0, 0);
+        settle();
+        heldUp = 0;
+        for (int i = 0; i < 3; ++i) window->pump(std::chrono::milliseconds(50));
+        EXPECT_EQ(heldUp, 0);
+    }
     int x = 0, y = 0;
     window->position(x, y);
     EXPECT_EQ(x, 10);
