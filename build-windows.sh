@@ -36,8 +36,9 @@ if [ $tests = ON ]; then
     WINEPREFIX=${WINEPREFIX:-$PWD/$build/wine}
     export WINEPREFIX WINEDEBUG=-all
     mkdir -p "$WINEPREFIX"
-    wineboot -i >/dev/null 2>&1
-    (cd $build && xvfb-run -a ctest --output-on-failure --timeout 240 -j 2)
+    # The desktop of wine must begin on the screen that the windows of the tests are to open on.
+    (cd $build && xvfb-run -a bash -c \
+        'wineserver -k; wineboot -i >/dev/null 2>&1; ctest --output-on-failure --timeout 240 -j 2')
 fi
 
 version=$(sed -n 's/^project(.* VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)

@@ -67,8 +67,8 @@ TEST_F(Folders, TheCommunityFolderIsCutOffTheInstallPath) {
         {"D:\\Community\\X", "D:\\Community\\X"},
         {"D:\\Packages\\", "D:\\Packages\\"},
         {"D:\\MyCommunity", "D:\\MyCommunity"},
-        {"/Community", "/"},
         {"E:\\Community", "E:\\"},
+        {"/Community", "/"},
         {"Community", "Community"},
         {"/", "/"},
         {"", ""}};

@@ -79,7 +79,7 @@ TEST_F(ForeignNames, LiveriesOfTheCommunityFolder) {
     writeFile(community / gf_pathFromText(package) / "broken" / "aircraft.cfg",
               "[fltsim.0]\ntitle=A\n[GENERAL]\n");
     gf_beginLiveryScan();
-    gf_scanLiveryFolder(1, gf_pathText(community));
+    gf_scanLiveryFolder(1, community);
     ASSERT_EQ(scannedLiveries.size(), 1u);
     EXPECT_EQ(scannedLiveries.front().title, title);
     gf_writeLiveriesFile();
