@@ -4,8 +4,8 @@
 #
 #   ./bench.sh [--write] [--long] [--only WORD]
 #
-# --long   also what takes 70 minutes: a simulated day, 10 minutes of load at 20, 30, 60 and 120 frames a second and an
-#          overload, and the motion of the demo
+# --long   also what takes 25 minutes more: a simulated day, and then at once 10 minutes of load at 20, 30, 60 and 120
+#          frames a second, an overload, and the motion of the demo
 # --write  puts the table into docs/performance.md
 # --only   the measurements whose name holds the word: decode, tick, flush, scan, cold start, match,
 #          registration rows, scenery, airport file, parking, panel, data site

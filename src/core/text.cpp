@@ -82,7 +82,7 @@ bool gf_parseBool(std::string_view text) {
 
 std::string gf_pathText(const std::filesystem::path& path) {
     try {
-        const std::u8string text = path.u8string();
+        const std::u8string text = path.is_absolute() ? path.u8string() : path.generic_u8string();
         return {text.begin(), text.end()};
     } catch (const std::exception&) {
         // Half a surrogate pair in a name on Windows: the rest can still be shown.

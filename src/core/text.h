@@ -25,8 +25,8 @@ size_t gf_countCharacters(std::string_view utf8);
 std::string_view gf_plural(uint64_t count);
 /// True when the first character is one of 1 t T y Y.
 bool gf_parseBool(std::string_view text);
-/// The whole path as UTF-8; never throws. Bytes that are no UTF-8 stay as they are; of a name that has no
-/// UTF-8, the ASCII stays.
+/// The whole path as UTF-8, with / in one that is not absolute; never throws. Bytes that are no UTF-8 stay as
+/// they are; of a name that has no UTF-8, the ASCII stays.
 std::string gf_pathText(const std::filesystem::path& path);
 /// The path of a text in UTF-8. The class itself would take a text for one in the encoding of the system.
 std::filesystem::path gf_pathFromText(std::string_view utf8);

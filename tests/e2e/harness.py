@@ -60,37 +60,47 @@ class World:
     def __init__(self, build, real_traffic=True, parameters=None, sim="2020", scan=True):
         self.build = pathlib.Path(build).resolve()
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="skl-"))
-        self.run_folder = self.folder / "run"
-        shutil.copytree(self.build / "stage", self.run_folder)
-        self.config = self.folder / "config"
-        self.config.mkdir()
-        self.env = dict(os.environ, XDG_CONFIG_HOME=str(self.config), XDG_DATA_HOME=str(self.folder / "data"),
-                        XDG_RUNTIME_DIR=str(self.folder), HOME=str(self.folder))
-        for options, file in (("LSAN_OPTIONS", "leaks.supp"), ("TSAN_OPTIONS", "threads.supp")):
-            self.env[options] = f"suppressions={ROOT / 'tests' / 'e2e' / file}:print_suppressions=0"
-        self.env.pop("DISPLAY", None)  # without a screen unless a scenario wants one
         self.screens = []
+        self.run_folder, self.config, self.env = self.lay_out()
         if real_traffic:
             (self.config / "InsideSystems").mkdir()
             (self.config / "InsideSystems" / "RealTraffic.jar").touch()
         self.packages = self.folder / "packages"
         subprocess.run(["python3", str(ROOT / "demo" / "make_community.py"), str(self.packages)], check=True,
                        stdout=subprocess.DEVNULL)
-        self.settings = {"MSFS_INSTALL_PATH": str(self.packages), "MSFS_2024_INSTALL_PATH": str(self.packages),
+        installed = self.name_of(self.packages)
+        self.settings = {"MSFS_INSTALL_PATH": installed, "MSFS_2024_INSTALL_PATH": installed,
                          "SIM_CHOICE": f"MSFS {sim}", "AUTO_RANGE": "false", "SCAN_AIRPORTS": "false",
                          "PROGRAM_VERSION": "11.0.3"}
         self.settings.update(parameters or {})
         self.write_parameters()
         self.processes = []
 
+    def lay_out(self):
+        """The program's folder, that of the user's settings, and the environment."""
+        run_folder, config = self.folder / "run", self.folder / "config"
+        shutil.copytree(self.build / "stage", run_folder)
+        config.mkdir()
+        env = dict(os.environ, XDG_CONFIG_HOME=str(config), XDG_DATA_HOME=str(self.folder / "data"),
+                   XDG_RUNTIME_DIR=str(self.folder), HOME=str(self.folder))
+        for options, file in (("LSAN_OPTIONS", "leaks.supp"), ("TSAN_OPTIONS", "threads.supp")):
+            env[options] = f"suppressions={ROOT / 'tests' / 'e2e' / file}:print_suppressions=0"
+        env.pop("DISPLAY", None)  # without a screen unless a scenario wants one
+        return run_folder, config, env
+
+    def name_of(self, path):
+        """A path as the program writes it."""
+        return str(path)
+
     def write_parameters(self):
         folder = self.config / "Skylantern"
         folder.mkdir(exist_ok=True)
         rows = "".join(f'\t<parameter name="{n}" value="{v}" />\n' for n, v in self.settings.items())
-        (folder / "parameters.xml").write_text(f'<?xml version="1.0"?>\n<parameters>\n{rows}</parameters>\n')
+        (folder / "parameters.xml").write_text(f'<?xml version="1.0"?>\n<parameters>\n{rows}</parameters>\n',
+                                               encoding="utf-8")
 
     def parameters_text(self):
-        return (self.config / "Skylantern" / "parameters.xml").read_text()
+        return (self.config / "Skylantern" / "parameters.xml").read_text(encoding="utf-8")
 
     def start(self, name, command):
         process = Process(name, [str(c) for c in command], self.run_folder, self.env)
@@ -136,7 +146,7 @@ class World:
 
     def log(self):
         try:
-            return (self.run_folder / "Log.txt").read_text(errors="replace")
+            return (self.run_folder / "Log.txt").read_text(encoding="utf-8", errors="replace")
         except FileNotFoundError:
             return ""
 

@@ -11,9 +11,9 @@ SIZE = (880, 476)
 class Screen:
     """An X server of its own; the program's window stands in its upper left corner."""
 
-    def __init__(self, folder, density=96, scale=1):
+    def __init__(self, folder, density=96, scale=1, size=SIZE):
         read, write = os.pipe()
-        width, height = (int(length * scale) for length in SIZE)
+        width, height = (int(length * scale) for length in size)
         # Networks of their own share /tmp: a number of this process's own, so that no two screens meet.
         self.server = subprocess.Popen(["Xvfb", f":{os.getpid()}", "-displayfd", str(write), "-screen", "0", f"{width}x{height}x24", "-dpi",
                                         str(density), "-noreset", "-nolisten", "tcp"], pass_fds=[write], stdout=subprocess.DEVNULL,
@@ -68,13 +68,25 @@ class Screen:
         found = [tuple(map(int, point)) for point in re.findall(r"\((\d+),(\d+),(\d+)\)", text)]
         return any(max(abs(a - b) for a, b in zip(point, colour)) < 50 for point in found)
 
+    def window(self):
+        """The program's window, as X numbers it."""
+        return int(subprocess.run(["xdotool", "search", "--name", "^Skylantern$"], env=self.env, check=True,
+                                  capture_output=True, text=True).stdout.split()[-1])
+
+    def client(self):
+        """Where the panel's own area begins, inside of a frame that the window may draw itself."""
+        text = subprocess.run(["xdotool", "getwindowgeometry", "--shell", str(self.window())], env=self.env, check=True,
+                              capture_output=True, text=True).stdout
+        x, y, width, height = (int(re.search(rf"{name}=(-?\d+)", text)[1]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
+        border = (width - SIZE[0]) // 2
+        return x + border, y + height - SIZE[1] - border
+
     def close_button(self):
         """What a desktop sends when the user closes the window."""
+        window = self.window()
         x11 = ctypes.CDLL("libX11.so.6")
         x11.XOpenDisplay.restype = x11.XInternAtom.restype = x11.XDefaultRootWindow.restype = ctypes.c_void_p
         x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
-        window = int(subprocess.run(["xdotool", "search", "--name", "^Skylantern$"], env=self.env, check=True,
-                                    capture_output=True, text=True).stdout.split()[-1])
 
         class Message(ctypes.Structure):
             _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
