@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,15 @@ Rows airportFileRows();
 Rows parkingRows();
 Rows panelRows();
 Rows dataSiteRows();
+
+struct Measurement {
+    std::string_view name;
+    Rows (*run)();
+};
+/// Those of this system, in the order of the table.
+std::span<const Measurement> measurements();
+/// What a process started with this word does instead of measuring; null for another word.
+int (*childOf(std::string_view word))();
 
 /// The cold start itself, in a process of its own: reads the data of the working folder, prints wall time and
 /// memory.

@@ -21,30 +21,13 @@ namespace {
 
 constexpr std::string_view beginMark = "<!-- figures -->\n", endMark = "<!-- end of figures -->\n";
 
-struct Measurement {
-    std::string_view name;
-    Rows (*run)();
-};
-constexpr Measurement measurements[] = {{"decode", decodeRows},
-                                        {"tick", engineTickRows},
-                                        {"flush", frameFlushRows},
-                                        {"scan", liveryScanRows},
-                                        {"cold start", coldStartRows},
-                                        {"match", matchRows},
-                                        {"registration rows", regcodeRows},
-                                        {"scenery", bglScanRows},
-                                        {"airport file", airportFileRows},
-                                        {"parking", parkingRows},
-                                        {"panel", panelRows},
-                                        {"data site", dataSiteRows}};
-
 struct Options {
     std::string only, file, more;
 };
 
 Rows measureAll(const std::string& only) {
     Rows all{{"Work", "Goal", "Measured", std::nullopt}};
-    for (const auto& [name, run] : measurements) {
+    for (const auto& [name, run] : measurements()) {
         if (name.find(only) == std::string_view::npos) continue;
         fmt::print(stderr, "measuring {} ...\n", name);
         gf_resetRunState();  // a stop that one measurement has asked for is not the next one's
@@ -127,8 +110,7 @@ int main(int count, char** words) {
     try {
         for (int i = 1; i < count; ++i) {
             const std::string_view word = words[i];
-            if (word == "--cold-start") return skl::bench::coldStartChild();
-            if (word == "--data-site") return skl::bench::dataSiteChild();
+            if (const auto child = skl::bench::childOf(word)) return child();
             skl::bench::require((word == "--only" || word == "--write" || word == "--rows") && i + 1 < count,
                                 "usage: skylantern_bench [--only WORD] [--write FILE] [--rows FILE]");
             (word == "--only" ? options.only : word == "--write" ? options.file : options.more) = words[++i];

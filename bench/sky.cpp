@@ -40,7 +40,7 @@ void addActive(const Flight& flight, int32_t due) {
     record.agl = std::min(first.alt, 2500.0);
     record.simHeading = toRad(first.track);
     first.time = due;
-    record.stream.push_back(first);
+    record.stream().push_back(first);
     lf_setObjectId(lf_addLive(std::move(record)), flight.objectId());
 }
 
@@ -128,8 +128,8 @@ void Sky::fillStreams(int points) {
     for (size_t i = 0; i < flights_.size(); ++i)
         for (int k = 0; k < points; ++k) {
             LivePos pos = flights_[i].after(reportTicks * tickSeconds);
-            pos.time = liveAcs[i].stream.back().time + reportTicks;
-            liveAcs[i].stream.push_back(pos);
+            pos.time = liveAcs[i].stream().back().time + reportTicks;
+            liveAcs[i].stream().push_back(pos);
         }
 }
 

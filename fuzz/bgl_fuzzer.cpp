@@ -16,6 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size) std::memcpy(words.data(), data, size);
     std::vector<std::string> lines;  // of this input alone
     skl::lf_collectScanLog(&lines);
+    skl::fuzz::write("fuzzed.bgl", data, size);
+    skl::lf_hasAirportSection("fuzzed.bgl");
     try {
         skl::lf_processBglWords(words, "fuzzed.bgl");
     } catch (const std::out_of_range&) {

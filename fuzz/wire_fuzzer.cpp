@@ -1,6 +1,8 @@
 // Messages of the simulator behind its OPEN: any bytes, through the message layer into the session's
-// dispatch.
+// dispatch, while a flight runs and objects are on their way; then the engine takes what the dispatch has
+// told it.
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -12,9 +14,15 @@
 
 #include "core/clock.h"
 #include "core/errors.h"
+#include "core/run_state.h"
+#include "engine/engine.h"
+#include "engine/engine_state.h"
+#include "engine/live_table.h"
+#include "liveries/catalogue.h"
 #include "platform/net.h"
 #include "platform/simconnect/wire_client.h"
 #include "simlink/dispatch.h"
+#include "simlink/identification.h"
 #include "simlink/session.h"
 
 namespace {
@@ -60,6 +68,23 @@ void put(Bytes& bytes, uint32_t value) {
     bytes.insert(bytes.end(), begin, begin + sizeof value);
 }
 
+/// Two aircraft: one that the simulator shows, and one that it was asked for and has not.
+void flyAlready() {
+    constexpr uint32_t shown = 1001, firstHexid = 0x400001;
+    skl::g_cycleRunning = skl::g_flightRunning = true;
+    for (uint32_t i = 0; i < 2; ++i) {
+        skl::LiveAc record;
+        record.hexid = firstHexid + i;
+        record.callsign = i ? "BAW12" : "BAW11";
+        record.simState = i ? skl::SimObjectState::adding2sim : skl::SimObjectState::active;
+        record.addingSince = 1;
+        record.objectId = i ? 0 : shown;
+        record.stream().resize(2);
+        skl::lf_addLive(std::move(record));
+    }
+    skl::lf_rememberCreate(1, firstHexid + 1, "BAW12");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -71,17 +96,26 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     bytes.resize(openSize);
     const auto* begin = reinterpret_cast<const std::byte*>(data);
     bytes.insert(bytes.end(), begin, begin + size);
-    skl::wire::WireClient client([&bytes](std::string&) { return std::make_unique<Stream>(bytes); });
-    if (!client.open("fuzz", [] { return false; })) std::abort();  // the OPEN in front is sound
+    // A run whose stop was asked for by the input before would look away from most of this one.
+    skl::gf_resetRunState();
+    auto client = std::make_unique<skl::wire::WireClient>(
+        [&bytes](std::string&) { return std::make_unique<Stream>(bytes); });
+    if (!client->open("fuzz", [] { return false; })) std::abort();  // the OPEN in front is sound
+    skl::simHandle = std::move(client);
+    flyAlready();
     for (int round = 0; round < 1000; ++round) {
         try {
-            const auto state =
-                client.callDispatch([](const skl::SimRecv& message) { skl::lf_dispatch(message); });
-            if (state != skl::SimConnect::Dispatch::alive) break;
+            if (skl::simHandle->callDispatch(skl::lf_dispatch) != skl::SimConnect::Dispatch::alive) break;
         } catch (const skl::UserErrorException&) {
             break;
         }
     }
+    skl::lf_processSimInbox();
+    for (const skl::LiveAc& record : skl::liveAcs)
+        for (const double value : {record.simAlt, record.agl, record.simPitch})
+            if (!std::isfinite(value)) std::abort();
     skl::gf_resetSimLink();
+    skl::gf_resetEngine();
+    skl::gf_clearUncreatable();
     return 0;
 }

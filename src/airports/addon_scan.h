@@ -1,7 +1,6 @@
 // The scan of the user's add-on airports: finds scenery files with airports, tells their publisher, and links
 // each airport to a file of the data site or generates one. Worker thread, with a pool of threads for the
-// files; lf_linkAirport, lf_notRecognised, lf_keepGenerated and lf_scanLog are
-// called on those.
+// files; lf_linkAirport, lf_notRecognised, lf_keepGenerated and lf_scanLog are called on those.
 #pragma once
 
 #include <atomic>

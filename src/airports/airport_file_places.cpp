@@ -18,6 +18,7 @@ namespace {
 constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
 constexpr std::string_view ending = ".xml";
 constexpr std::string_view learnedFolder = "airports/learned";
+constexpr std::string_view archiveFolder = "archive/";
 
 bool exists(const std::string& name) {
     std::error_code error;
@@ -32,7 +33,9 @@ std::string stockName(const std::string& code) {
     return "archive/stock/" + code + std::string(ending);
 }
 
-/// The file of the site that a link file names; empty if there is none, or it names nothing.
+/// The file of the site that a link file names; empty if there is none, or it names nothing. It must lie in
+/// the archive: what is learned of the airport is kept under the same name, and any other would lead
+/// elsewhere.
 std::string readLink(const fs::path& folder, const std::string& code) {
     const std::string place = placeOf(folder, code + ".txt");
     std::ifstream file(gf_nativePath(place), std::ios::binary);
@@ -41,14 +44,12 @@ std::string readLink(const fs::path& folder, const std::string& code) {
     if (line.starts_with(byteOrderMark)) line.erase(0, byteOrderMark.size());
     line = gf_trim(line);
     std::replace(line.begin(), line.end(), '\\', '/');
-    // With a slash in front the path of the learned file would begin at the root.
     line.erase(0, line.find_first_not_of('/'));
     const size_t end = line.rfind(ending);
     if (end == std::string::npos) return {};
     line.erase(end + ending.size());
-    // A drive is a root as well.
-    if (line.find("..") == std::string::npos && !gf_nativePath(line).has_root_name()) return line;
-    gf_logError(fmt::format("{}: '{}' leads out of its folder, left out", place, line));
+    if (line.starts_with(archiveFolder) && line.find("..") == std::string::npos) return line;
+    gf_logError(fmt::format("{}: '{}' leads out of the archive, left out", place, line));
     return {};
 }
 

@@ -40,9 +40,21 @@ double toNumber(std::string_view text) {
     return value;
 }
 
+/// A code becomes the name of files.
+bool isCode(std::string_view text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' ||
+               c == '_';
+    });
+}
+
 void readEntry(const pugi::xml_node& entry) {
     Airport airport;
     airport.code = entry.attribute("code").value();
+    if (!isCode(airport.code)) {
+        gf_log(fmt::format("'{}' is no code of an airport", airport.code));
+        return;
+    }
     const auto lat = entry.attribute("lat"), lon = entry.attribute("lon"), alt = entry.attribute("alt");
     if (!lat || !lon || !alt) {
         gf_log(fmt::format("Missing lat/lon/alt for airport '{}'", airport.code));

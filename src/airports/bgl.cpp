@@ -129,7 +129,11 @@ std::string lf_decodeIdentifierOrRegionCode(uint32_t value, bool& valid) {
 }
 
 bool lf_hasAirportSection(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
+    // Most files are looked at no further than here: a buffer of the usual size would read on for nothing.
+    std::array<char, 512> buffer;
+    std::ifstream file;
+    file.rdbuf()->pubsetbuf(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+    file.open(path, std::ios::binary);
     std::array<uint32_t, headerWords> header{};
     if (!file.read(reinterpret_cast<char*>(header.data()), headerSize)) return false;
     const uint64_t sections = header[sectionCountWord];

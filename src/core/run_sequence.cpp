@@ -134,7 +134,11 @@ void lf_prepareAirports() {
     lf_readMyParkAirports();
     const std::string destination = DESTINATION.get();
     gf_enableControl(rereadButton, destination.empty());
-    if (const Airport* airport = gf_findAirport(destination)) lf_setDestination(destination, airport->pos());
+    const Airport* airport = gf_findAirport(destination);
+    if (!airport) return;
+    // Left by a run that did not end in order.
+    gf_showMessage(fmt::format("New destination: {}", destination), true);
+    lf_setDestination(destination, airport->pos());
 }
 
 void lf_run() {

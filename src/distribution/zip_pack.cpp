@@ -37,22 +37,20 @@ std::unique_ptr<zip_t, CloseArchive> open(std::string_view bytes) {
     return archive;
 }
 
-/// The content of an entry; nothing when it is broken, or larger than it may be.
-std::optional<std::string> readEntry(zip_t* archive, zip_uint64_t index) {
+/// The content of an entry; nothing when it is broken, or larger than it may be. `buffer` has one byte more
+/// than that: a hundred thousand entries must not cost a fresh one each.
+std::optional<std::string> readEntry(zip_t* archive, zip_uint64_t index, std::string& buffer) {
     const std::unique_ptr<zip_file_t, CloseFile> file(zip_fopen_index(archive, index, 0));
     if (!file) return std::nullopt;
-    std::string text(largestFile + 1, '\0');
     size_t length = 0;
-    while (length < text.size()) {
-        const zip_int64_t count = zip_fread(file.get(), text.data() + length, text.size() - length);
+    while (length < buffer.size()) {
+        const zip_int64_t count = zip_fread(file.get(), buffer.data() + length, buffer.size() - length);
         if (count < 0) return std::nullopt;
         if (count == 0) break;
         length += static_cast<size_t>(count);
     }
     if (length > largestFile) return std::nullopt;
-    text.resize(length);
-    text.shrink_to_fit();
-    return text;
+    return buffer.substr(0, length);
 }
 
 bool isFolder(std::string_view name) {
@@ -78,6 +76,7 @@ std::optional<std::vector<PackFile>> lf_readPack(std::string_view bytes) {
     const auto archive = open(bytes);
     if (!archive) return std::nullopt;
     std::vector<PackFile> files;
+    std::string buffer(largestFile + 1, '\0');
     size_t total = 0;
     const zip_int64_t count = std::min(zip_get_num_entries(archive.get(), 0), mostEntries);
     for (zip_int64_t i = 0; i < count && total < largestPack; ++i) {
@@ -86,7 +85,7 @@ std::optional<std::vector<PackFile>> lf_readPack(std::string_view bytes) {
         const std::string name = told ? told : "";
         if (isFolder(name)) continue;
         PackFile file{lf_packStem(name), {}};
-        auto text = file.stem.empty() ? std::nullopt : readEntry(archive.get(), index);
+        auto text = file.stem.empty() ? std::nullopt : readEntry(archive.get(), index, buffer);
         if (!text) {
             gf_logError(fmt::format("Failed to read '{}' of the pack", name));
             continue;

@@ -61,7 +61,7 @@ void activate(const SimMsg& message) {
     if (!record || record->objectId != message.objectId || record->simState != SimObjectState::adding2sim)
         return;
     record->simState = SimObjectState::active;
-    const bool airborne = record->stream.empty() ? !record->onGround : record->stream.front().airborne;
+    const bool airborne = record->stream().empty() ? !record->onGround : record->stream().front().airborne;
     if (airborne)
         configureInAir(*record);
     else
@@ -111,7 +111,7 @@ void lf_landOnSpawn(LiveAc& record) {
 bool lf_objectIdentified(LiveAc& record, const SimMsg& message) {
     lf_setObjectId(record, message.objectId);
     record.agl = message.b;
-    if (!record.stream.empty() && !record.stream.front().airborne) lf_landOnSpawn(record);
+    if (!record.stream().empty() && !record.stream().front().airborne) lf_landOnSpawn(record);
     lf_attachFlightPlan(record);
     gf_requestStaticData(record.objectId);
     return true;

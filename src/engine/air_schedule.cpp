@@ -71,7 +71,7 @@ void cleanUp(LiveAc& record) {
 }  // namespace
 
 void lf_airSchedule(LiveAc& record) {
-    if (record.stream.front().alt >= highAltitude) {
+    if (record.stream().front().alt >= highAltitude) {
         if (record.lightsHigh) return;
         record.lightsHigh = true;
         record.lightsLow = false;
@@ -96,7 +96,7 @@ void lf_highConfig(LiveAc& record) {
     lf_decaySlack(record);
     simCabinLight(record.objectId, true);
     record.departing = record.landing = false;
-    const double vs = record.stream.front().vs;
+    const double vs = record.stream().front().vs;
     if (vs <= descending && record.throttleIdx == 3)
         setThrottle(record, 2);
     else if (vs > climbing && record.throttleIdx == 4)
@@ -115,7 +115,7 @@ void lf_highConfig(LiveAc& record) {
 
 void lf_lowConfig(LiveAc& record) {
     simCabinLight(record.objectId, false);
-    const double vs = record.stream.front().vs;
+    const double vs = record.stream().front().vs;
     const bool near = nearAirport(record);
     if (vs <= descending) {
         // One descending report just after lift-off is no approach.

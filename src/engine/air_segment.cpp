@@ -51,17 +51,17 @@ double cappedClimb(const LiveAc& record, double targetFt) {
 /// The reports stay on the ground while the object flies, yet they climb: fly to the first airborne one near
 /// ahead, or climb on. May replace stream[1].
 void climbOverGroundReports(LiveAc& record) {
-    const size_t last = std::min<size_t>(record.stream.size() - 1, 10);
+    const size_t last = std::min<size_t>(record.stream().size() - 1, 10);
     for (size_t i = 3; i <= last; ++i) {
-        if (!record.stream[i - 1].airborne) continue;
-        record.stream.erase(record.stream.begin() + 1,
-                            record.stream.begin() + static_cast<std::ptrdiff_t>(i - 1));
+        if (!record.stream()[i - 1].airborne) continue;
+        record.stream().erase(record.stream().begin() + 1,
+                              record.stream().begin() + static_cast<std::ptrdiff_t>(i - 1));
         lf_timeAirSegment(record);
         lf_aimAtNext(record);
-        record.dAlt = cappedClimb(record, record.stream[1].alt);
+        record.dAlt = cappedClimb(record, record.stream()[1].alt);
         return;
     }
-    LivePos& next = record.stream[1];
+    LivePos& next = record.stream()[1];
     next.vs = std::max(next.vs, -gentleSink);
     record.vsFpm = next.vs;
     record.dAlt = next.vs / ticksPerMinute;
@@ -82,12 +82,12 @@ void descendToGround(LiveAc& record, LivePos& next) {
 bool hasLowestClimb(const LiveAc& record) {
     if (record.agl > lowAgl) return false;
     if (record.category == AcCategory::Rotorcraft) return false;
-    return record.stream.front().vs > approachSink || !gf_airportInSight() ||
+    return record.stream().front().vs > approachSink || !gf_airportInSight() ||
            gf_distanceNm(record.simPos(), parkAirport.pos()) > approachRadiusNm;
 }
 
 void flyToReportedHeight(LiveAc& record, LivePos& next) {
-    const LivePos& from = record.stream.front();
+    const LivePos& from = record.stream().front();
     if (record.landing) {
         if (from.alt == next.alt && record.agl <= lowAgl && from.vs + next.vs <= 100)
             sinkAt(record, next, lf_sinkRate(record));
@@ -102,8 +102,8 @@ void flyToReportedHeight(LiveAc& record, LivePos& next) {
 
 /// Sets dAlt by the kinds of the two points. May replace stream[1].
 void setClimb(LiveAc& record) {
-    LivePos& next = record.stream[1];
-    const bool fromAir = record.stream.front().airborne;
+    LivePos& next = record.stream()[1];
+    const bool fromAir = record.stream().front().airborne;
     if (fromAir && next.airborne) {
         flyToReportedHeight(record, next);
     } else if (fromAir) {
@@ -112,7 +112,7 @@ void setClimb(LiveAc& record) {
         record.dAlt = cappedClimb(record, next.alt);
     } else {
         double climbing = 0;
-        for (const LivePos& point : record.stream) climbing += point.vs;
+        for (const LivePos& point : record.stream()) climbing += point.vs;
         if (!record.landing && climbing > 100)
             climbOverGroundReports(record);
         else
@@ -131,14 +131,14 @@ void keepClimbing(LiveAc& record) {
 
 /// May replace stream[1].
 void setClimbAndPitch(LiveAc& record) {
-    record.vsFpm = record.stream[1].vs;
+    record.vsFpm = record.stream()[1].vs;
     setClimb(record);
     if (record.stage == FlightStage::take_off) {
         keepClimbing(record);
         return;
     }
     const double limit = gf_categoryConstants(record.category).maxPitchRate;
-    const double change = lf_pitchFor(record.stream[1].vs) - record.simPitch;
+    const double change = lf_pitchFor(record.stream()[1].vs) - record.simPitch;
     record.dPitch = std::clamp(change / lf_segmentTicks(record), -limit, limit);
 }
 
@@ -152,7 +152,7 @@ double headingChange(const LiveAc& record, const LivePos& next) {
 }  // namespace
 
 void lf_timeAirSegment(LiveAc& record) {
-    const LivePos &from = record.stream[0], &next = record.stream[1];
+    const LivePos &from = record.stream()[0], &next = record.stream()[1];
     if (next.stopped) {
         if (record.category == AcCategory::Rotorcraft) lf_timeStoppedSegment(record);
         return;
@@ -164,7 +164,7 @@ void lf_timeAirSegment(LiveAc& record) {
 }
 
 void lf_aimAtNext(LiveAc& record) {
-    const LivePos& next = record.stream[1];
+    const LivePos& next = record.stream()[1];
     const double ticks = lf_segmentTicks(record);
     record.dLat = (next.lat - record.simLat) / ticks;
     record.dLon = wrapLon(next.lon - record.simLon) / ticks;
@@ -176,7 +176,7 @@ void lf_setupAirSegment(LiveAc& record, LivePos& next) {
     const bool flaring = record.flareState != 0;
     if (!flaring) setClimbAndPitch(record);
 
-    const LivePos& target = record.stream[1];
+    const LivePos& target = record.stream()[1];
     const CategoryConstants& limits = gf_categoryConstants(record.category);
     const double ticks = lf_segmentTicks(record);
     const double turn = headingChange(record, target);
@@ -188,7 +188,7 @@ void lf_setupAirSegment(LiveAc& record, LivePos& next) {
         record.dBank = std::clamp((bank - record.simBank) / ticks, -limits.maxBankRate, limits.maxBankRate);
     }
     // The flare has written its own sink into the report at the front, which may hide a go-around.
-    if (flaring && target.airborne && target.vs > goAroundFpm) record.stream[0].vs = target.vs;
+    if (flaring && target.airborne && target.vs > goAroundFpm) record.stream()[0].vs = target.vs;
     lf_airSchedule(record);
     // A go-around: the flare's sink would go on into the runway for the whole segment.
     if (flaring && record.flareState == 0) setClimbAndPitch(record);
@@ -201,13 +201,13 @@ double lf_pitchFor(double vs) {
 
 double lf_sinkRate(const LiveAc& record) {
     if (record.agl <= veryLowAgl) return -600;
-    const double mean = (record.stream[0].vs + record.stream[1].vs) / 2;
+    const double mean = (record.stream()[0].vs + record.stream()[1].vs) / 2;
     return std::min(mean - (qnh - standardQnh) * 6, gentleSink);
 }
 
 double lf_nextTurn(const LiveAc& record) {
-    if (record.stream.size() < 3) return 0;
-    return angleDiff(bearingRad(record.stream[1].pos(), record.stream[2].pos()), record.simHeading);
+    if (record.stream().size() < 3) return 0;
+    return angleDiff(bearingRad(record.stream()[1].pos(), record.stream()[2].pos()), record.simHeading);
 }
 
 }  // namespace skl

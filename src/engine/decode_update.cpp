@@ -47,7 +47,7 @@ bool isImplausible(const LiveAc& record, const LivePos& pos) {
     if (record.stage == FlightStage::parked || record.stage == FlightStage::parking ||
         record.stage == FlightStage::pushed_back || record.holding || record.predictLeft >= 1)
         return false;
-    const LivePos& last = record.stream.back();
+    const LivePos& last = record.stream().back();
     const double nm = gf_distanceNm(last.pos(), pos.pos());
     if (nm <= 0.5) return false;
     const int64_t ticks = std::max<int64_t>(int64_t{pos.time} - last.time + record.maxLate, shortestSegment);
@@ -61,12 +61,12 @@ bool hasLeftUnheard(const LiveAc& record, const LivePos& pos) {
     if (record.simState != SimObjectState::active) return false;
     if (record.stage == FlightStage::parked) return gf_distanceNm(record.standPos, pos.pos()) > leftStandNm;
     if (!record.holding && record.stage != FlightStage::pushed_back) return false;
-    return gf_distanceNm(record.stream.front().pos(), pos.pos()) >
+    return gf_distanceNm(record.stream().front().pos(), pos.pos()) >
            HOLDING_THRESHOLD_METERS.value / metersPerNm;
 }
 
 bool isDropped(LiveAc& record, const TrafficUpdate& update) {
-    const LivePos& last = record.stream.back();
+    const LivePos& last = record.stream().back();
     const double gap = update.feedTime - record.lastFeedTime;
     if (!(gap > shortestGap)) return true;
     if (hasLeftUnheard(record, update.pos)) {
@@ -96,7 +96,7 @@ void lf_decodeUpdate(TrafficUpdate& update) {
     if (record->simState == SimObjectState::liveryrespawn ||
         record->simState == SimObjectState::removingfromsim)
         return;
-    if (!record->stream.empty() && isDropped(*record, update)) return;
+    if (!record->stream().empty() && isDropped(*record, update)) return;
     if (record->simState == SimObjectState::buffer && lf_atFieldHeight(update.pos.alt)) return;
     if (!lf_refreshIdentity(*record, update)) return;
     record->lastFeedTime = update.feedTime;

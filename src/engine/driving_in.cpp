@@ -31,7 +31,7 @@ constexpr double noseDeadBand = toRad(0.5);
 constexpr int32_t shortestDrive = 100, stopTicks = 50;
 
 bool isEmpty(const LiveAc& record, const char* where) {
-    if (!record.stream.empty()) return false;
+    if (!record.stream().empty()) return false;
     if (LOG.value) gf_log(fmt::format("{} empty sz?", where));
     return true;
 }
@@ -56,7 +56,7 @@ void clearStand(const LiveAc& record, const Stand& stand) {
 
 /// The point at the stand, to which the aircraft still moves.
 LivePos drivePoint(const LiveAc& record, LaLo pos) {
-    const LivePos& last = record.stream.back();
+    const LivePos& last = record.stream().back();
     const int32_t ticks = lf_travelTicks(gf_distanceNm(last.pos(), pos), record.slowSpeed);
     LivePos point;
     point.lat = pos.lat;
@@ -64,7 +64,7 @@ LivePos drivePoint(const LiveAc& record, LaLo pos) {
     point.alt = record.simAlt;
     point.speed = point.tas = record.slowSpeed;
     point.track = toDeg(record.standHeading);
-    point.time = record.stream.front().time + std::max(ticks, shortestDrive);
+    point.time = record.stream().front().time + std::max(ticks, shortestDrive);
     // A stopped point moves nothing: a nose that is off needs the drive even on the spot.
     const double off = std::abs(angleDiff(normalizeRad(record.standHeading), record.simHeading));
     point.stopped = lf_samePlace(last.pos(), pos) && off <= noseDeadBand;
@@ -93,7 +93,7 @@ void endWhatTheDriveReplaces(LiveAc& record) {
 
 void try2Park(LiveAc& record, bool wide) {
     if (isEmpty(record, "try2Park")) return;
-    const LaLo last = record.stream.back().pos();
+    const LaLo last = record.stream().back().pos();
     if (lf_samePlace(last, {record.lastParkLat, record.lastParkLon})) return;
     record.lastParkLat = last.lat;
     record.lastParkLon = last.lon;
@@ -107,7 +107,7 @@ void try2Park(LiveAc& record, bool wide) {
     // What was measured from the stand before says nothing of this one.
     record.standDistLast = 0;
     record.awayCount = 0;
-    record.stream.resize(1);
+    record.stream().resize(1);
     gf_setStage(record, FlightStage::parking);
     drive2Stand(record, record.standPos);
 }
@@ -115,12 +115,12 @@ void try2Park(LiveAc& record, bool wide) {
 void drive2Stand(LiveAc& record, LaLo pos) {
     if (isEmpty(record, "drive2Stand")) return;
     LivePos point = drivePoint(record, pos);
-    record.stream.back().speed = record.slowSpeed;
-    record.stream.push_back(point);
+    record.stream().back().speed = record.slowSpeed;
+    record.stream().push_back(point);
     point.speed = point.tas = 0;
     point.stopped = true;
     point.time += stopTicks;
-    record.stream.push_back(point);
+    record.stream().push_back(point);
     record.targetHeading = record.standHeading;
     endWhatTheDriveReplaces(record);
 }
@@ -140,7 +140,7 @@ void lf_arrival(LiveAc& record) {
     gf_setStage(record, FlightStage::parked);
     record.parkedAt = gf_weekSlotNow();
     if (record.towed && LOG.value) gf_logIndented(fmt::format("towed aircraft {} parks", record.callsign));
-    if (!record.stream.empty()) record.stream.front().stopped = true;
+    if (!record.stream().empty()) record.stream().front().stopped = true;
     lf_beginStay(record);
     lf_fixCargo(record);
     lf_parkedConfiguration(record);

@@ -28,9 +28,9 @@ constexpr double backwards = toRad(100);
 constexpr double takeOffSpeed = 43, rejectedSpeed = 30;  // knots
 
 bool leavesHolding(LiveAc& record, const LivePos& pos) {
-    if (!record.holding || record.stream.empty()) return false;
+    if (!record.holding || record.stream().empty()) return false;
     const double limit = HOLDING_THRESHOLD_METERS.value / metersPerNm;
-    if (gf_distanceNm(record.stream.front().pos(), pos.pos()) <= limit) return false;
+    if (gf_distanceNm(record.stream().front().pos(), pos.pos()) <= limit) return false;
     record.holding = false;
     record.holdStart = 0;
     return true;
@@ -39,7 +39,7 @@ bool leavesHolding(LiveAc& record, const LivePos& pos) {
 /// A standing aircraft keeps two points; one that goes on loses the stops between the last motion and the new
 /// report when these were only a short halt.
 void dropStops(LiveAc& record, const LivePos& pos) {
-    auto& stream = record.stream;
+    auto& stream = record.stream();
     if (pos.stopped) {
         for (const LivePos& point : stream)
             if (!point.stopped) return;
@@ -58,14 +58,14 @@ void dropStops(LiveAc& record, const LivePos& pos) {
 }
 
 void append(LiveAc& record, LivePos& pos) {
-    if (record.stream.back().time >= pos.time) pos.time = record.stream.back().time + 1;
-    record.stream.push_back(pos);
+    if (record.stream().back().time >= pos.time) pos.time = record.stream().back().time + 1;
+    record.stream().push_back(pos);
 }
 
 /// A report that shows a take-off, from a taxiway or out of a roll-out.
 void startTakeOff(LiveAc& record, const LivePos& pos) {
     if (record.simState != SimObjectState::active || !record.onGround || record.departing) return;
-    const LivePos& last = record.stream.back();
+    const LivePos& last = record.stream().back();
     if (record.rollout) {
         if (last.airborne && pos.airborne) lf_touchAndGo(record);
         return;
@@ -79,13 +79,13 @@ void startTakeOff(LiveAc& record, const LivePos& pos) {
 void endRejectedTakeOff(LiveAc& record) {
     if (!record.departing || !record.onGround || record.stage != FlightStage::taxi) return;
     const auto flies = [](const LivePos& point) { return point.airborne; };
-    if (record.stream.back().speed < rejectedSpeed &&
-        std::none_of(record.stream.begin(), record.stream.end(), flies))
+    if (record.stream().back().speed < rejectedSpeed &&
+        std::none_of(record.stream().begin(), record.stream().end(), flies))
         record.departing = false;
 }
 
 void extend(LiveAc& record, LivePos& pos) {
-    auto& stream = record.stream;
+    auto& stream = record.stream();
     if (stream.size() > longestStream || leavesHolding(record, pos)) {
         removeAircraftFromSim(record);
         return;
@@ -110,12 +110,12 @@ bool endsPrediction(LiveAc& record, const LivePos& pos) {
     if (record.predictLeft < 1) return true;
     // A report on the same spot has no bearing.
     if (!record.onGround && !pos.stopped) {
-        const double bearing = bearingRad(record.stream.back().pos(), pos.pos());
+        const double bearing = bearingRad(record.stream().back().pos(), pos.pos());
         if (std::abs(angleDiff(bearing, record.simHeading)) >= backwards) return false;
     }
     record.predictLeft = 0;
     lf_widenSlack(record);
-    record.stream.front().time = engineTick + 1;
+    record.stream().front().time = engineTick + 1;
     record.holding = false;
     record.holdStart = 0;
     return true;
@@ -137,7 +137,7 @@ bool checkExtendingSituations(LiveAc& record, LivePos& pos) {
     if (atStand &&
         (record.simState == SimObjectState::buffer || record.simState == SimObjectState::adding2sim))
         return false;
-    if (record.stream.empty()) {
+    if (record.stream().empty()) {
         gf_log(fmt::format("{} empty sz?", "checkExtendingSituations"));
         return false;
     }
@@ -149,7 +149,7 @@ bool checkExtendingSituations(LiveAc& record, LivePos& pos) {
 }
 
 bool lf_filterPoint(const LiveAc& record, LivePos& pos) {
-    const LivePos& last = record.stream.back();
+    const LivePos& last = record.stream().back();
     pos.stopped = lf_samePlace(pos.pos(), last.pos());
     if (record.category == AcCategory::Rotorcraft) return true;
     const bool inTheAir = pos.airborne || (record.simState == SimObjectState::active && !record.onGround);

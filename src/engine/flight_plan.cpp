@@ -58,6 +58,22 @@ void emptyFolder(const fs::path& folder) {
     }
 }
 
+/// As the content of an XML element: what stands in a route is what somebody has sent.
+std::string asXml(std::string_view text) {
+    std::string safe;
+    for (const char c : text) {
+        if (c == '&')
+            safe += "&amp;";
+        else if (c == '<')
+            safe += "&lt;";
+        else if (c == '>')
+            safe += "&gt;";
+        else
+            safe += c;
+    }
+    return safe;
+}
+
 /// The file, and on a simulator that takes plans from a program its word for it.
 bool attach(const LiveAc& record) {
     const fs::path path = planPath(record.objectId);
@@ -79,9 +95,9 @@ bool lf_writeFlightPlan(const fs::path& path, const LiveAc& record) {
     file << fmt::format("{}\n{}\n{}\n{}{}{}\n{}{}{}\n{}{}{}\n{}\n{}",  //
                         R"(<?xml version="1.0" encoding="UTF-8"?>)",
                         R"(<SimBase.Document Type="AceXML" version="4,3">)", "<FlightPlan.FlightPlan>",
-                        "<FPType>", planType(record.category), "</FPType>",         //
-                        "<DepartureID>", record.origin, "</DepartureID>",           //
-                        "<DestinationID>", record.destination, "</DestinationID>",  //
+                        "<FPType>", planType(record.category), "</FPType>",                //
+                        "<DepartureID>", asXml(record.origin), "</DepartureID>",           //
+                        "<DestinationID>", asXml(record.destination), "</DestinationID>",  //
                         "</FlightPlan.FlightPlan>", "</SimBase.Document>");
     file.close();
     return !file.fail();

@@ -22,10 +22,10 @@ Slope slopeAt(const GroundCurve& curve, double t) {
 }  // namespace
 
 void lf_makeCurve(LiveAc& record) {
-    if (record.stream.size() < 3) return;
-    const LivePos& corner = record.stream[1];
-    LivePos& end = record.stream[2];
-    if (end.speed == 0) end.speed = (record.stream[0].speed + corner.speed) / 2;
+    if (record.stream().size() < 3) return;
+    const LivePos& corner = record.stream()[1];
+    LivePos& end = record.stream()[2];
+    if (end.speed == 0) end.speed = (record.stream()[0].speed + corner.speed) / 2;
 
     GroundCurve& curve = record.curve;
     curve.originLat = record.simLat;
@@ -39,7 +39,7 @@ void lf_makeCurve(LiveAc& record) {
     curve.perT = 1 / (curve.t1 - curve.t0);
     curve.ctrlEast = wrapLon(corner.lon - curve.originLon) * metersPerDegreeEast;
     curve.ctrlNorth = (corner.lat - curve.originLat) * metersPerDegree;
-    record.stream.erase(record.stream.begin() + 1);
+    record.stream().erase(record.stream().begin() + 1);
 }
 
 bool lf_curvePosition(const GroundCurve& curve, double t, LaLo& position) {

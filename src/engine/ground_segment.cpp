@@ -32,11 +32,11 @@ double degreesBetween(double a, double b) {
 }
 
 double toNextNm(const LiveAc& record) {
-    return gf_distanceNm(record.stream[0].pos(), record.stream[1].pos());
+    return gf_distanceNm(record.stream()[0].pos(), record.stream()[1].pos());
 }
 
 void leaveStand(LiveAc& record) {
-    const double bearing = bearingRad(record.standPos, record.stream.back().pos());
+    const double bearing = bearingRad(record.standPos, record.stream().back().pos());
     if (std::round(degreesBetween(bearing, record.standHeading)) < forwards)
         lf_pullOut(record);
     else
@@ -45,14 +45,14 @@ void leaveStand(LiveAc& record) {
 
 /// The corner at stream[1], from where the aircraft goes on to stream[2].
 void shapeCorner(LiveAc& record) {
-    const LivePos& from = record.stream[0];
+    const LivePos& from = record.stream()[0];
     const double turn = std::abs(toDeg(lf_nextTurn(record)));
     if (turn <= straight) {
         lf_speedChange(record);
     } else if (turn > sharp && toNextNm(record) > farCornerNm && from.speed <= taxiSpeed &&
-               int64_t{record.stream[1].time} - from.time >= farCornerTicks) {
+               int64_t{record.stream()[1].time} - from.time >= farCornerTicks) {
         lf_insertMidpoint(record);
-    } else if (turn > reversal || lf_samePlace(from.pos(), record.stream[2].pos())) {
+    } else if (turn > reversal || lf_samePlace(from.pos(), record.stream()[2].pos())) {
         lf_speedChange(record);
     } else {
         lf_makeCurve(record);
@@ -67,10 +67,10 @@ void aimNose(LiveAc& record, double heading) {
 }
 
 void shapeWay(LiveAc& record) {
-    if (record.stream[1].stopped) return;
-    if (record.stream.size() > 2 && !record.stream[2].stopped)
+    if (record.stream()[1].stopped) return;
+    if (record.stream().size() > 2 && !record.stream()[2].stopped)
         shapeCorner(record);
-    else if (record.stream.size() > 2 || record.predictLeft < 1)
+    else if (record.stream().size() > 2 || record.predictLeft < 1)
         lf_speedChange(record);
     if (record.curve.set())
         record.turningOnGround = false;
@@ -86,17 +86,18 @@ bool comesFromStand(const LiveAc& record) {
 }
 
 void testParking(LiveAc& record) {
-    const LivePos& last = record.stream.back();
+    const LivePos& last = record.stream().back();
     if (!last.stopped || record.stage != FlightStage::taxi || !g_apfLoaded || comesFromStand(record)) return;
     if (record.predictLeft >= 1)
         try2Park(record, record.landed);
-    else if (record.stream[1].speed <= parkSpeed && gf_distanceNm(record.simPos(), last.pos()) <= parkReachNm)
+    else if (record.stream()[1].speed <= parkSpeed &&
+             gf_distanceNm(record.simPos(), last.pos()) <= parkReachNm)
         try2Park(record, false);
 }
 
 /// The nose turns during the whole drive. A stopped point moves nothing, so none is while the nose is off.
 void turnOntoStand(LiveAc& record) {
-    LivePos& next = record.stream[1];
+    LivePos& next = record.stream()[1];
     if (degreesBetween(record.standHeading, record.simHeading) > noseDeadBand) next.stopped = false;
     if (!next.stopped) aimNose(record, record.standHeading);
 }
@@ -127,7 +128,7 @@ void nextPosGround(LiveAc& record) {
 }
 
 void lf_insertMidpoint(LiveAc& record) {
-    const LivePos &from = record.stream[0], &to = record.stream[1];
+    const LivePos &from = record.stream()[0], &to = record.stream()[1];
     LivePos point = from;
     point.lat = (from.lat + to.lat) / 2;
     point.lon = wrapLon(from.lon + wrapLon(to.lon - from.lon) / 2);
@@ -137,11 +138,11 @@ void lf_insertMidpoint(LiveAc& record) {
     point.alt = from.airborne || to.airborne ? std::max((from.alt + to.alt) / 2, 0.0) : 0;
     point.airborne = point.alt > 0;
     point.stopped = false;
-    record.stream.insert(record.stream.begin() + 1, point);
+    record.stream().insert(record.stream().begin() + 1, point);
 }
 
 void lf_speedChange(LiveAc& record) {
-    const double before = record.stream[0].speed, after = record.stream[1].speed;
+    const double before = record.stream()[0].speed, after = record.stream()[1].speed;
     if ((before > 0 || after > 0) && std::abs(before - after) > speedStep && toNextNm(record) >= speedStepNm)
         lf_insertMidpoint(record);
 }

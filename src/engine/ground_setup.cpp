@@ -41,7 +41,7 @@ void adaptTurnRate(LiveAc& record, double nm, int32_t travelTicks) {
 void giveNoseTime(LiveAc& record) {
     const double error = toRad(record.headingError);
     const double ticks = std::max(error / record.groundTurnRate, double{shortestDrive});
-    LivePos& next = record.stream[1];
+    LivePos& next = record.stream()[1];
     next.time = std::max(next.time, engineTick + static_cast<int32_t>(std::ceil(ticks)));
     record.turnRate = std::max(record.turnRate, error / (next.time - engineTick));
 }
@@ -55,7 +55,7 @@ uint32_t departureThrottle(double from, double to) {
 /// The reports of a take-off came while the aircraft had no object, so that none of them could begin it.
 bool takesOffUnseen(const LiveAc& record) {
     return record.stage == FlightStage::taxi && !record.departing && !record.rollout &&
-           record.stream[1].airborne && record.stream.back().airborne;
+           record.stream()[1].airborne && record.stream().back().airborne;
 }
 
 void setStageAndThrottle(LiveAc& record) {
@@ -63,8 +63,8 @@ void setStageAndThrottle(LiveAc& record) {
     if (record.stage == FlightStage::parked || record.stage == FlightStage::flying)
         gf_setStage(record, FlightStage::taxi);
     else if (record.departing)
-        gf_setThrottle(record,
-                       rotorcraft ? 4 : departureThrottle(record.stream[0].speed, record.stream[1].speed));
+        gf_setThrottle(
+            record, rotorcraft ? 4 : departureThrottle(record.stream()[0].speed, record.stream()[1].speed));
     else if (record.rollout)
         lf_rolloutStep(record);
     else
@@ -74,13 +74,13 @@ void setStageAndThrottle(LiveAc& record) {
 }  // namespace
 
 void lf_timeGroundSegment(LiveAc& record) {
-    const LivePos& next = record.stream[1];
+    const LivePos& next = record.stream()[1];
     if (next.stopped) {
         lf_timeStoppedSegment(record);
         return;
     }
     record.turnRate = record.groundTurnRate;
-    const double nm = gf_distanceNm(record.stream[0].pos(), next.pos());
+    const double nm = gf_distanceNm(record.stream()[0].pos(), next.pos());
     const int32_t ticks = lf_travelTicks(nm, lf_segmentSpeed(record));
     if (record.curve.set() || record.turningOnGround) adaptTurnRate(record, nm, ticks);
     lf_scheduleNext(record, int64_t{engineTick} + ticks);
@@ -98,9 +98,10 @@ void lf_setupGroundSegment(LiveAc& record) {
     }
     const int32_t ticks = lf_segmentTicks(record);
     if (record.curve.set()) record.curveStep = 1.0 / ticks;
-    const double knots = record.stream[1].speed;
+    const double knots = record.stream()[1].speed;
     record.tasKn = record.stage == FlightStage::pushing_back ? -knots : knots;
-    if (record.departing && record.stage != FlightStage::take_off && record.stream[0].speed >= rotationSpeed)
+    if (record.departing && record.stage != FlightStage::take_off &&
+        record.stream()[0].speed >= rotationSpeed)
         lf_rotationTest(record, ticks);
 }
 

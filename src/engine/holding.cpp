@@ -36,11 +36,11 @@ bool lf_holdingStep(LiveAc& record) {
         return false;
     if (!record.holding) record.holdStart = engineTick;
     record.holding = true;
-    LivePos point = record.stream.front();
+    LivePos point = record.stream().front();
     point.time += holdTicks;
     point.speed = 0;
     point.stopped = true;
-    record.stream.push_back(point);
+    record.stream().push_back(point);
     record.predictLeft = 1;
     return true;
 }

@@ -62,7 +62,7 @@ double offHeading(const LiveAc& record, LaLo from, LaLo to) {
 
 /// The last points go that lie beyond the report.
 void dropOvershoot(LiveAc& record, const LivePos& pos) {
-    auto& stream = record.stream;
+    auto& stream = record.stream();
     const size_t before = stream.size();
     if (offHeading(record, stream.back().pos(), pos.pos()) < aside) return;
     stream.pop_back();
@@ -74,7 +74,7 @@ void dropOvershoot(LiveAc& record, const LivePos& pos) {
 
 /// With one point left there is nothing to fly back along: whether the report may follow it.
 bool followsOnlyPoint(LiveAc& record, const LivePos& pos) {
-    LivePos& point = record.stream.front();
+    LivePos& point = record.stream().front();
     const double off = offHeading(record, point.pos(), pos.pos());
     if (record.landing) return off < aside;
     if (off < backwards) return true;
@@ -102,7 +102,7 @@ void lf_flareStep(LiveAc& record) {
     const auto state = static_cast<size_t>(record.flareState);
     if (state >= flareSteps.size()) return;
     // On its way to a report that climbs away: a flare would sink to its end, into the runway.
-    if (record.stream.front().vs > goAroundFpm) return;
+    if (record.stream().front().vs > goAroundFpm) return;
     const double height = state == 0 ? lowestHeight(record) : record.agl;
     const FlareStep& step = flareSteps[state];
     if (height > record.staticCgFt + step.height) return;
@@ -114,7 +114,7 @@ void lf_flareStep(LiveAc& record) {
     record.dAlt = step.perTick;
     record.vsFpm = step.perTick * ticksPerMinute;
     record.simVs = record.vsFpm / 60;
-    record.stream.front().vs = step.reportVs;
+    record.stream().front().vs = step.reportVs;
     ++record.flareState;
 }
 
@@ -159,7 +159,7 @@ void lf_rolloutStep(LiveAc& record) {
         setSpoilers(record, 0);
         setReversers(record, false);
         simLights(record.objectId, true, true, false, true, false, true, true);
-    } else if (record.stream.front().speed <= spoilersInBelow) {
+    } else if (record.stream().front().speed <= spoilersInBelow) {
         setSpoilers(record, 0);
         setReversers(record, false);
         gf_setFlaps(record, 1);
@@ -167,7 +167,7 @@ void lf_rolloutStep(LiveAc& record) {
 }
 
 bool checkNewPosDuringLanding(LiveAc& record, LivePos& pos) {
-    auto& stream = record.stream;
+    auto& stream = record.stream();
     if (stream.empty()) {
         gf_log(fmt::format("{} empty sz?", "checkNewPosDuringLanding"));
         return false;

@@ -41,9 +41,9 @@ int32_t slowTicks(const LiveAc& record, LaLo from, LaLo to) {
 
 /// The stream becomes the front, which sets out slowly, and `next`.
 void restartStream(LiveAc& record, const LivePos& next) {
-    record.stream.resize(1);
-    record.stream.front().speed = record.slowSpeed;
-    record.stream.push_back(next);
+    record.stream().resize(1);
+    record.stream().front().speed = record.slowSpeed;
+    record.stream().push_back(next);
 }
 
 /// What a stay on the stand and the taxi in have left behind would steer, or end, what comes now.
@@ -114,9 +114,9 @@ void lf_startPushback(LiveAc& record) {
         return destinationPoint(b, normalizeRad(bearing), record.halfSpanNm * feetPerNm);
     };
     const LaLo right = besideB(direction + pi / 2);
-    const int32_t endTime = engineTick + ticksToB / 2 + slowTicks(record, record.stream[1].pos(), right);
+    const int32_t endTime = engineTick + ticksToB / 2 + slowTicks(record, record.stream()[1].pos(), right);
     record.pushSidePoint = drivenPoint(record, right, endTime);
-    record.stream.push_back(drivenPoint(record, besideB(direction - pi / 2), endTime));
+    record.stream().push_back(drivenPoint(record, besideB(direction - pi / 2), endTime));
     lightsForMoving(record);
     gf_setStage(record, FlightStage::pushing_back);
     record.pushCount = 2;
@@ -128,12 +128,12 @@ void lf_pushbackStep(LiveAc& record) {
         endPushback(record);
         return;
     }
-    if (record.stream.size() < 3) return;
+    if (record.stream().size() < 3) return;
     if (!record.pushTurnRight) {
-        record.stream.pop_back();
+        record.stream().pop_back();
         return;
     }
-    if (*record.pushTurnRight) record.stream.back() = record.pushSidePoint;
+    if (*record.pushTurnRight) record.stream().back() = record.pushSidePoint;
     lf_makeCurve(record);
     record.curveAngle = pushTurnAngle;
 }
@@ -158,7 +158,7 @@ bool lf_pushedBackReport(LiveAc& record, LivePos& pos) {
     }
     pos.stopped = false;
     if (record.predictLeft > 0) {
-        record.stream.front().time = engineTick + 1;
+        record.stream().front().time = engineTick + 1;
         record.predictLeft = 0;
         lf_widenSlack(record);
     }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <limits>
@@ -21,8 +22,17 @@ inline constexpr int32_t ticksPerSecond = 100;
 /// Live aircraft have transponder ids above this, static ones at or below it.
 inline constexpr uint32_t highestStaticId = 10000;
 
-enum class FlightStage { pushing_back, pushed_back, taxi, take_off, flying, parking, parked, birth };
-enum class SimObjectState { buffer, adding2sim, active, liveryrespawn, removingfromsim };
+enum class FlightStage : uint8_t {
+    pushing_back,
+    pushed_back,
+    taxi,
+    take_off,
+    flying,
+    parking,
+    parked,
+    birth
+};
+enum class SimObjectState : uint8_t { buffer, adding2sim, active, liveryrespawn, removingfromsim };
 /// The words of log lines.
 const char* gf_stageWord(FlightStage stage);
 const char* gf_stateWord(SimObjectState state);
@@ -45,6 +55,10 @@ struct LivePos {
     LaLo pos() const { return {lat, lon}; }
 };
 
+/// What every tick reads of an aircraft in the air lies in two lines of a processor's cache: with thousands
+/// of aircraft a tick waits for little else.
+inline constexpr size_t cacheLine = 64;
+
 /// What a live and a statically parked aircraft have in common.
 struct AcBase {
     std::string airline;  ///< ICAO code; "PVT" for a private aircraft
@@ -55,11 +69,9 @@ struct AcBase {
     std::string regcode;
     bool coupledSearched = false;
     double halfSpanNm = 0;
-    double staticCgFt = 0;   ///< the simulator's static height of the centre of gravity
-    double staticPitch = 0;  ///< the simulator's static pitch
+    double staticCgFt = 0;  ///< the simulator's static height of the centre of gravity
     double rotatePitch = 0, climbPitch = 0;
     double groundTurnRate = 0;  ///< radians per tick
-    double turnRate = 0;        ///< the rate in force, radians per tick
     double maxClimbPerTick = 0, slowSpeed = 0;
     uint32_t hexid = 0;
     AcCategory category = AcCategory::Light;
@@ -67,80 +79,99 @@ struct AcBase {
     int32_t flareTicks = 0, touchdownTicks = 0, rotateTicks = 0, climbPitchTicks = 0;
     bool cargo = false;
     bool isFsltl = false;
-    uint32_t objectId = 0;
     LaLo standPos;
     double standHeading = 0;
     WeekSlot parkedAt;
     uint32_t standId = 0;
-    SimObjectState simState = SimObjectState::buffer;
     uint32_t throttleIdx = 5;
     uint32_t flapsIdx = 4;
     bool standCargo = false;
     bool removeWhenCreated = false;
+    double staticPitch = 0;  ///< the simulator's static pitch
+    double turnRate = 0;     ///< the rate in force, radians per tick
+    // From here on, and in a live aircraft to dAlt: what every tick reads.
+    alignas(cacheLine) uint32_t objectId = 0;
+    SimObjectState simState = SimObjectState::buffer;
     bool eraseNow = false, eraseFromQueue = false;
 };
 
 /// A quadratic Bezier curve in a flat frame whose origin is its start; metres north and east of it.
 struct GroundCurve {
+    double ctrlEast = std::numeric_limits<double>::quiet_NaN();
+    double ctrlNorth = std::numeric_limits<double>::quiet_NaN();
     double originLat = 0, originLon = 0;  ///< degrees
     double t0 = std::numeric_limits<double>::quiet_NaN();
     double endNorth = 0, endEast = 0;
     double t1 = std::numeric_limits<double>::quiet_NaN();
-    double ctrlEast = std::numeric_limits<double>::quiet_NaN();
-    double ctrlNorth = std::numeric_limits<double>::quiet_NaN();
     double degreesPerMeterEast = 0;  ///< at the origin
     double perT = 0;                 ///< 1 / (t1 - t0): a division less in every tick
     bool set() const { return !std::isnan(ctrlEast) && !std::isnan(ctrlNorth); }
 };
 
 struct LiveAc : AcBase {
+    FlightStage stage = FlightStage::birth;
+    bool onGround = false;
+    bool landing = false, derotating = false;
+    int8_t flareState = 0;
+    int32_t lookAt = look;                             ///< tick before which the stream needs no look
     double simLat = 0, simLon = 0;                     ///< degrees
     double simPitch = 0, simBank = 0, simHeading = 0;  ///< radians
     double simAlt = 0;                                 ///< feet
     double simVs = 0;                                  ///< feet per second
     double simTas = 0;                                 ///< knots
-    std::deque<LivePos> stream;                        ///< front: the point being flown to
-    double lastFeedTime = 0;                           ///< seconds
+    double dLat = 0, dLon = 0;                         ///< degrees per tick
+    double dPitch = 0, dBank = 0, dHeading = 0;        ///< radians per tick
+    double dAlt = 0;                                   ///< feet per tick
+    // Read by every tick on the ground.
+    bool turningOnGround = false;
+    double targetHeading = 0;
+    double courseStep = 0;  ///< by which the course of the curve changes, radians per tick
+    double curveT = 0, curveStep = 0;
+    GroundCurve curve;
+    double curveAngle = 0;
+    double agl = 2500.0;  ///< feet, by the simulator; known below 2500 only
+    // Read when a segment begins, or more seldom.
+    double vsFpm = 0, tasKn = 0;  ///< of the segment being flown
+    double lastFeedTime = 0;      ///< seconds
     double checkedLat = 0, checkedLon = 0;
     uint64_t parkedSince = 0;  ///< steady clock, 100 ns
     int32_t predictLeft = 0;   ///< predicted points still to come; 0 none running, -1 exhausted
     int32_t holdStart = 0;
-    FlightStage stage = FlightStage::birth, prevStage = FlightStage::birth;
+    FlightStage prevStage = FlightStage::birth;
     bool parkedMoving = false;
-    bool onGround = false;
     bool hasFlightPlan = false;
     bool nearUser = false;
     bool holding = false;
-    double dLat = 0, dLon = 0;                   ///< degrees per tick
-    double dPitch = 0, dBank = 0, dHeading = 0;  ///< radians per tick
-    double dAlt = 0;                             ///< feet per tick
-    double vsFpm = 0, tasKn = 0;                 ///< of the segment being flown
-    GroundCurve curve;
-    double curveT = 0, curveStep = 0, curveAngle = 0;
-    double courseStep = 0;  ///< by which the course of the curve changes, radians per tick
     LivePos pushSidePoint;
     double lastParkLat = 0, lastParkLon = 0;
     int32_t maxEarly = 1000, maxLate = 1000;  ///< the slack, ticks
     int32_t groundCount = 1, pushCount = 0;
     uint32_t awayCount = 0;
-    double targetHeading = 0;
-    double agl = 2500.0;  ///< feet, by the simulator; known below 2500 only
     double fieldHeight = 0, touchdownHeading = 0;
     double pushedDistance = 0, standDistFirst = 0, standDistLast = 0;
     double headingError = 0;
     std::optional<double> respawnHeading;
     std::optional<bool> pushTurnRight;
     std::optional<double> fieldElev;
-    int32_t flareState = 0;
-    bool landing = false, landed = false, towed = false, climbCleaned = false, departing = false;
+    bool landed = false, towed = false, climbCleaned = false, departing = false;
     bool lightsHigh = false, lightsLow = false;
-    bool derotating = false, rollout = false;
+    bool rollout = false;
     bool leaveStand = false;
-    bool turningOnGround = false;
     int32_t addingSince = 0;         ///< tick at which the creation request went out
     int32_t implausibleReports = 0;  ///< reports in a row that no flight could have reached
 
+    /// Front: the point being flown to. Whoever may change it makes the next tick look at it.
+    std::deque<LivePos>& stream() {
+        lookAt = look;
+        return stream_;
+    }
+    const std::deque<LivePos>& stream() const { return stream_; }
     LaLo simPos() const { return {simLat, simLon}; }
+
+    static constexpr int32_t look = std::numeric_limits<int32_t>::min();
+
+  private:
+    std::deque<LivePos> stream_;
 };
 
 /// Changes the stage and keeps the one before it; setting the stage that holds already changes nothing.

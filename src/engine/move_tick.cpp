@@ -52,7 +52,7 @@ void followCurve(LiveAc& record) {
 }
 
 void moveLaterally(LiveAc& record) {
-    if (record.curve.set()) {
+    if (record.onGround && record.curve.set()) {
         followCurve(record);
         return;
     }

@@ -52,11 +52,11 @@ bool heldInAir(LiveAc& record, const LivePos& front, double distance) {
 }  // namespace
 
 bool lf_nearUser(LiveAc& record) {
-    const LivePos& front = record.stream.front();
+    const LivePos& front = record.stream().front();
     const double distance = gf_distanceNm(engineUser.pos(), front.pos());
     const bool held =
         userOnGround ? heldOnGround(record, front, distance) : heldInAir(record, front, distance);
-    if (held) record.stream.pop_front();
+    if (held) record.stream().pop_front();
     return held;
 }
 

@@ -41,7 +41,7 @@ void addRecord(const TrafficUpdate& update) {
     record.hexid = update.hexid;
     record.lastFeedTime = update.feedTime;
     gf_fillTypeValues(record);
-    record.stream.push_back(update.pos);
+    record.stream().push_back(update.pos);
     lf_addLive(std::move(record));
 }
 

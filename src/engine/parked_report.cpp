@@ -84,13 +84,13 @@ bool lf_parkedReport(LiveAc& record, LivePos& pos) {
 
 void lf_leavingStand(LiveAc& record) {
     if (record.predictLeft >= 1) {
-        if (record.stage == FlightStage::parked && record.landed && !record.stream.empty()) {
+        if (record.stage == FlightStage::parked && record.landed && !record.stream().empty()) {
             const int64_t stoodFor =
-                int64_t{engineTick} - (int64_t{record.stream.front().time} - ticksOfAWeek);
+                int64_t{engineTick} - (int64_t{record.stream().front().time} - ticksOfAWeek);
             record.towed = stoodFor < towTicks(record.category);
         }
         record.landed = false;
-        if (!record.stream.empty()) record.stream.front().time = engineTick + 1;
+        if (!record.stream().empty()) record.stream().front().time = engineTick + 1;
         record.predictLeft = 0;
         lf_widenSlack(record);
     }

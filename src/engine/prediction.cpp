@@ -104,7 +104,7 @@ bool holds(const LiveAc& record) {
 }  // namespace
 
 bool lf_extendStream(LiveAc& record) {
-    if (record.stream.empty()) return false;
+    if (record.stream().empty()) return false;
     if (record.stage == FlightStage::parking)
         lf_arrival(record);
     else if (holds(record))
@@ -122,7 +122,7 @@ bool lf_extendStream(LiveAc& record) {
 
 void lf_predictPoint(LiveAc& record, int32_t n) {
     record.predictLeft = n;
-    LivePos point = record.stream.front();
+    LivePos point = record.stream().front();
     const int32_t seconds = record.onGround ? groundSeconds : airSeconds;
     const bool parked = record.stage == FlightStage::parked;
     if (point.stopped || parked) {
@@ -132,7 +132,7 @@ void lf_predictPoint(LiveAc& record, int32_t n) {
         predictPlace(record, point, seconds);
     }
     point.time += parked ? ticksOfAWeek : seconds * ticksPerSecond;
-    record.stream.push_back(point);
+    record.stream().push_back(point);
     if (!parked) return;
     record.parkedMoving = false;
     if (Stand* stand = lf_findStand(record.standId)) stand->occupied = false;

@@ -131,9 +131,9 @@ bool refreshActive(LiveAc& record, const TrafficUpdate& update) {
 
 /// The point from which the new object goes on.
 LivePos respawnPoint(LiveAc& record) {
-    LivePos& front = record.stream.at(0);
+    LivePos& front = record.stream().at(0);
     if (record.stage == FlightStage::parked) {
-        record.stream.resize(1);
+        record.stream().resize(1);
         front.stopped = true;
         front.track = toDeg(record.simHeading);
         return front;
@@ -153,7 +153,7 @@ void liveryRespawn(LiveAc& record) {
     try {
         LivePos point = respawnPoint(record);
         point.time = engineTick + 1;
-        record.stream.push_front(point);
+        record.stream().push_front(point);
         record.simState = SimObjectState::liveryrespawn;
         record.respawnHeading = record.simHeading;
         if (lf_forgetWatched(record.objectId)) g_callsignQuery = true;

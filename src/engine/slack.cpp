@@ -28,7 +28,7 @@ int32_t lf_travelTicks(double nm, double knots) {
 }
 
 void lf_scheduleNext(LiveAc& record, int64_t tick) {
-    LivePos& next = record.stream[1];
+    LivePos& next = record.stream()[1];
     if (record.predictLeft < 1) {
         tick = std::min(tick, int64_t{next.time} + record.maxLate);
         tick = std::max(tick, int64_t{next.time} - record.maxEarly);
@@ -37,8 +37,8 @@ void lf_scheduleNext(LiveAc& record, int64_t tick) {
 }
 
 void lf_timeStoppedSegment(LiveAc& record) {
-    const int64_t start = record.stream.front().time;
-    const int64_t span = std::max<int64_t>(int64_t{record.stream[1].time} - start, shortestSegment);
+    const int64_t start = record.stream().front().time;
+    const int64_t span = std::max<int64_t>(int64_t{record.stream()[1].time} - start, shortestSegment);
     lf_scheduleNext(record, std::max<int64_t>(start + span, int64_t{engineTick} + shortestSegment));
 }
 
@@ -53,7 +53,7 @@ void lf_decaySlack(LiveAc& record) {
 }
 
 double lf_segmentSpeed(const LiveAc& record) {
-    const LivePos &from = record.stream[0], &to = record.stream[1];
+    const LivePos &from = record.stream()[0], &to = record.stream()[1];
     if (from.speed == 0 && to.speed == 0) {
         const int64_t span = std::max<int64_t>(int64_t{to.time} - from.time, shortestSegment);
         return std::max(gf_distanceNm(from.pos(), to.pos()) / static_cast<double>(span) * ticksPerHour, 1.0);
@@ -62,7 +62,7 @@ double lf_segmentSpeed(const LiveAc& record) {
 }
 
 int32_t lf_segmentTicks(const LiveAc& record) {
-    return clampTick(std::max<int64_t>(int64_t{record.stream[1].time} - engineTick, shortestSegment));
+    return clampTick(std::max<int64_t>(int64_t{record.stream()[1].time} - engineTick, shortestSegment));
 }
 
 }  // namespace skl

@@ -73,13 +73,13 @@ std::string lf_unmatchedKey(const AcBase& record) {
 
 void lf_handleBuffer(LiveAc& record) {
     if (record.eraseNow) return;
-    if (record.stream.empty()) {
+    if (record.stream().empty()) {
         record.eraseNow = true;
         return;
     }
-    const LivePos& front = record.stream.front();
+    const LivePos& front = record.stream().front();
     if (engineTick < front.time - lead(front)) return;
-    if (record.stream.size() == 1) {
+    if (record.stream().size() == 1) {
         record.eraseNow = true;
         return;
     }
@@ -88,14 +88,14 @@ void lf_handleBuffer(LiveAc& record) {
         record.eraseNow = true;
         return;
     }
-    if (mixed(record.stream)) {
-        record.stream.pop_front();
+    if (mixed(record.stream())) {
+        record.stream().pop_front();
         return;
     }
     if (lf_nearUser(record)) return;
     // Many that come due at once would all find an empty queue: the stack counts too.
     if (waiting() >= waitingLimit && record.stage == FlightStage::birth) {
-        record.stream.pop_front();
+        record.stream().pop_front();
         return;
     }
     const int32_t limit = MAX_LIVE_SEL.value;

@@ -18,10 +18,10 @@ constexpr double slowKnots = 5.0;
 
 /// It stands, or its reports end a few slow metres farther.
 bool comesToRest(const LiveAc& record) {
-    const LivePos& front = record.stream.front();
+    const LivePos& front = record.stream().front();
     if (front.stopped) return true;
-    return record.stream.size() > 1 && record.stream[1].speed <= slowKnots &&
-           gf_distanceNm(front.pos(), record.stream.back().pos()) <= rollOutNm;
+    return record.stream().size() > 1 && record.stream()[1].speed <= slowKnots &&
+           gf_distanceNm(front.pos(), record.stream().back().pos()) <= rollOutNm;
 }
 
 /// Another aircraft drives onto the stand, or stands there and has no object yet: it comes to a conflict that
@@ -44,11 +44,11 @@ bool isFree(const LiveAc& record, const Stand& stand) {
 }  // namespace
 
 Stand* lf_findSpawnStand(LiveAc& record) {
-    LivePos& front = record.stream.front();
+    LivePos& front = record.stream().front();
     if (stands.empty() || !gf_airportInSight() || gf_distanceNm(front.pos(), parkAirport.pos()) > airportNm)
         return nullptr;
     if (!comesToRest(record)) return nullptr;
-    const LaLo rest = front.stopped ? front.pos() : record.stream.back().pos();
+    const LaLo rest = front.stopped ? front.pos() : record.stream().back().pos();
     Stand* stand = lf_closestStand(rest, record, reachNm, front.stopped);
     if (!stand || lf_keptForUser(*stand)) return nullptr;
     if (!isFree(record, *stand)) {

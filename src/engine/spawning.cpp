@@ -60,8 +60,8 @@ void standOn(LiveAc& record, const Stand& stand) {
     gf_setStage(record, FlightStage::parked);
     lf_beginStay(record);
     lf_fixCargo(record);
-    record.stream.resize(1);
-    LivePos& front = record.stream.front();
+    record.stream().resize(1);
+    LivePos& front = record.stream().front();
     front.lat = stand.lat;
     front.lon = stand.lon;
     front.track = toDeg(stand.heading);
@@ -70,7 +70,7 @@ void standOn(LiveAc& record, const Stand& stand) {
 }
 
 void chooseFirstStage(LiveAc& record) {
-    if (record.stream.front().airborne) {
+    if (record.stream().front().airborne) {
         gf_setStage(record, FlightStage::flying);
         return;
     }
@@ -85,12 +85,13 @@ void chooseFirstStage(LiveAc& record) {
 double firstHeading(const LiveAc& record) {
     if (record.respawnHeading) return *record.respawnHeading;
     if (record.stage == FlightStage::parked) return record.standHeading;
-    const LivePos& front = record.stream[0];
-    return record.stream[1].stopped ? toRad(front.track) : bearingRad(front.pos(), record.stream[1].pos());
+    const LivePos& front = record.stream()[0];
+    return record.stream()[1].stopped ? toRad(front.track)
+                                      : bearingRad(front.pos(), record.stream()[1].pos());
 }
 
 void takeFirstPose(LiveAc& record) {
-    const LivePos& front = record.stream.front();
+    const LivePos& front = record.stream().front();
     record.simLat = front.lat;
     record.simLon = front.lon;
     record.simAlt = front.alt;
@@ -104,11 +105,11 @@ void takeFirstPose(LiveAc& record) {
 }  // namespace
 
 void spawnLiveAc(LiveAc& record) {
-    if (record.stream.size() < 2) {
-        gf_log(fmt::format("{} sz:{}", "spawnLiveAc", record.stream.size()));
+    if (record.stream().size() < 2) {
+        gf_log(fmt::format("{} sz:{}", "spawnLiveAc", record.stream().size()));
         return;
     }
-    normaliseStops(record.stream);
+    normaliseStops(record.stream());
     if (record.stage == FlightStage::birth) {
         if (!chooseLivery(record)) return;
         chooseFirstStage(record);

@@ -111,7 +111,8 @@ void lf_serveNewAcList() {
     if (!record->coupledSearched) lf_searchForCoupledCsAroundThisTime(gf_weekSlotNow(), *record);
     record->coupledSearched = true;
     // Just spawned, its object may not have told yet where it is: its reports have.
-    const bool onGround = record->onGround || (!record->stream.empty() && !record->stream.front().airborne);
+    const bool onGround =
+        record->onGround || (!record->stream().empty() && !record->stream().front().airborne);
     lf_staticForNewLive(*record, onGround);
 }
 

@@ -69,7 +69,7 @@ void lf_startDeparture(LiveAc& record) {
 }
 
 void lf_rotationTest(LiveAc& record, int32_t ticks) {
-    const auto& stream = record.stream;
+    const auto& stream = record.stream();
     const auto first = stream.begin() + 1, last = stream.end();
     const auto airborne = [](const LivePos& point) { return point.airborne; };
     const bool allAirborne = std::all_of(first, last, airborne);

@@ -42,7 +42,7 @@ void standStill(LiveAc& record, const LivePos& next) {
 /// Where the leg leads; an aircraft that is pushed keeps its nose.
 double legHeading(const LiveAc& record) {
     if (record.stage == FlightStage::pushing_back) return record.simHeading;
-    return bearingRad(record.stream[0].pos(), record.stream[1].pos());
+    return bearingRad(record.stream()[0].pos(), record.stream()[1].pos());
 }
 
 void requireFiniteMotion(const LiveAc& record) {
@@ -55,12 +55,12 @@ void requireFiniteMotion(const LiveAc& record) {
 
 void nextSegmentOrRemoval(LiveAc& record) {
     for (;;) {
-        if (record.stream.size() >= 2) {
-            if (record.onGround || !record.stream[1].stopped || record.category == AcCategory::Rotorcraft) {
+        if (record.stream().size() >= 2) {
+            if (record.onGround || !record.stream()[1].stopped || record.category == AcCategory::Rotorcraft) {
                 lf_nextSegment(record);
                 return;
             }
-            record.stream.erase(record.stream.begin() + 1);
+            record.stream().erase(record.stream().begin() + 1);
         } else if (!lf_extendStream(record)) {
             if (record.stage != FlightStage::parked)
                 lf_learnSoft(record, record.stage != FlightStage::flying);
@@ -74,7 +74,7 @@ void queuePose(LiveAc& record) {
     if (record.objectId == 0) {
         gf_log(fmt::format("{} objectid=0? hexid: {},cs:{}, reg:{}, aimo:{} sz:{}", "updateLiveAc",
                            record.hexid, record.callsign, record.regcode, gf_shortForm(record),
-                           record.stream.size()));
+                           record.stream().size()));
         removeAircraftFromSim(record);
         return;
     }
@@ -82,27 +82,37 @@ void queuePose(LiveAc& record) {
                             record.simAlt, record.simVs, record.simTas, record.objectId});
 }
 
-void tickActive(LiveAc& record) {
-    if (record.stream.empty()) {
+/// The point that is flown to: at its time the next segment begins. Whether the aircraft moves towards it.
+bool lookAtStream(LiveAc& record) {
+    const LiveAc& seen = record;
+    if (seen.stream().empty()) {
         gf_log(fmt::format(
             "{} stream empty ? {}, hexid:{}, objectid:{}, alt:{:.0f} ft, lalo:{:.6f},{:.6f}, TAS:{:.0f}",
             "updateLiveAc", gf_description(record), record.hexid, record.objectId, record.simAlt,
             record.simLat, record.simLon, record.simTas));
         removeAircraftFromSim(record);
-        return;
+        return false;
     }
-    if (engineTick >= record.stream.front().time) {
+    if (engineTick >= seen.stream().front().time) {
         try {
             nextPosMain(record);
         } catch (...) {
-            return;  // it has told and removed already
+            return false;  // it has told and removed already
         }
         record.simVs = record.vsFpm / 60;
-        record.simTas = record.stream.front().stopped ? 0 : record.tasKn;
+        record.simTas = seen.stream().front().stopped ? 0 : record.tasKn;
     }
+    if (record.simState != SimObjectState::active) return false;
+    const LivePos& target = seen.stream().front();
+    if (target.stopped) return settles(record, target);
+    record.lookAt = target.time;
+    return true;
+}
+
+void tickActive(LiveAc& record) {
+    const bool moves = engineTick < record.lookAt || lookAtStream(record);
     if (record.simState != SimObjectState::active) return;
-    const LivePos& target = record.stream.front();
-    if (!target.stopped || settles(record, target)) lf_moveOneTick(record);
+    if (moves) lf_moveOneTick(record);
     queuePose(record);
 }
 
@@ -118,7 +128,8 @@ void lf_logTickFailure(std::string_view where, const LiveAc& record) {
         text = "unknown exception";
     }
     gf_logError(fmt::format("{}: {} {}, sz:{}, fs:{}, st:{}", where, text, gf_description(record),
-                            record.stream.size(), gf_stageWord(record.stage), gf_stateWord(record.simState)));
+                            record.stream().size(), gf_stageWord(record.stage),
+                            gf_stateWord(record.simState)));
 }
 
 bool lf_samePlace(LaLo a, LaLo b, double degrees) {
@@ -153,15 +164,15 @@ void lf_nextSegment(LiveAc& record) {
     record.curveT = 0;
     record.curveStep = 0;
     record.dHeading = 0;
-    if (LivePos& next = record.stream[1]; !next.stopped) {
-        next.stopped = lf_samePlace(next.pos(), record.stream.front().pos());
+    if (LivePos& next = record.stream()[1]; !next.stopped) {
+        next.stopped = lf_samePlace(next.pos(), record.stream().front().pos());
         if (!next.stopped) record.targetHeading = legHeading(record);
     }
     if (record.onGround)
         nextPosGround(record);
     else
         lf_timeAirSegment(record);
-    if (LivePos& next = record.stream[1]; next.stopped) {
+    if (LivePos& next = record.stream()[1]; next.stopped) {
         standStill(record, next);
     } else {
         lf_aimAtNext(record);
@@ -172,8 +183,8 @@ void lf_nextSegment(LiveAc& record) {
     }
     requireFiniteMotion(record);
     // The shortest segment is flown to its end too.
-    record.stream[1].time = engineTick + lf_segmentTicks(record);
-    record.stream.pop_front();
+    record.stream()[1].time = engineTick + lf_segmentTicks(record);
+    record.stream().pop_front();
 }
 
 }  // namespace skl

@@ -61,6 +61,14 @@ std::string_view orEmpty(std::string_view text) {
     return absent(text) ? std::string_view() : text;
 }
 
+/// Characters that would end a line of the log or of a list that is kept.
+bool holdsControls(std::string_view text) {
+    return std::any_of(text.begin(), text.end(), [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte < 0x20 || byte == 0x7f;
+    });
+}
+
 bool drop(std::atomic<uint64_t>& counter) {
     counter.fetch_add(1, std::memory_order_relaxed);
     return false;
@@ -140,6 +148,7 @@ void TrafficReader::processLineSub() {
         if (!decodePlace(record) || !decodeKind(record) || !decodeHeight(record) || !decodeIdentity(record))
             return;
         decodeMotion(record);
+        requirePlainTexts(record);
         queueRecord(record);
     } catch (const std::exception& error) {
         drop(feedCounters.badRecords);
@@ -169,7 +178,7 @@ bool TrafficReader::decodeKind(Decoded& record) {
     const std::string_view tail = fields_[11];
     if (tail.size() > 12) return drop(feedCounters.noIdentity);
     record.regcode = orEmpty(tail);
-    collectCallsign(fields_[9]);
+    if (!holdsControls(fields_[9])) collectCallsign(fields_[9]);
 
     const std::string_view model = fields_[10];
     if (model.empty() || absent(model) || model == "0" || model == "ZZZZ") return drop(feedCounters.noModel);
@@ -241,6 +250,12 @@ void TrafficReader::decodeMotion(Decoded& record) {
     const auto tas = gf_readNumber(fields_[20]);
     if (!tas) bad(fmt::format("TAS incorrect{}", lf_printable(fields_[20])));
     pos.tas = *tas == -1 ? tasFor(pos.alt) : *tas;
+}
+
+void TrafficReader::requirePlainTexts(const Decoded& record) {
+    for (const std::string_view text :
+         {record.callsign, record.model, record.regcode, record.origin, record.destination})
+        if (holdsControls(text)) bad(fmt::format("control characters: {}", lf_printable(text)));
 }
 
 void TrafficReader::queueRecord(Decoded& record) {

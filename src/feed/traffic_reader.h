@@ -60,6 +60,7 @@ class TrafficReader : public UdpReader {
     bool decodeIdentity(Decoded& record);
     void decodeMotion(Decoded& record);
     void decodeTrueHeading(LivePos& pos);
+    static void requirePlainTexts(const Decoded& record);
     void queueRecord(Decoded& record);
     void collectCallsign(std::string_view callsign);
     double number(size_t field, std::string_view label) const;

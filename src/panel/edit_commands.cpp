@@ -112,7 +112,7 @@ void lf_clearBlock() {
 void lf_enterDestination(std::string text) {
     gf_clearMessage();
     if (text.empty()) {
-        // Not saved: the file forgets it at the end of the run.
+        // Not saved now: the end of the run empties it in the file as well.
         DESTINATION.set("");
         gf_enableControl(rereadButton, true);
         gf_showMessage("destination set to empty", true);

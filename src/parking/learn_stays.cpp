@@ -77,6 +77,7 @@ class Sight {
         if (archiveTellsOtherTimes()) return false;
         const auto stay = stays_.find(record_.hexid);
         const StandOption* known = learnedToday();
+        // A stay over midnight has no option of today yet: yesterday's goes on.
         if (stay != stays_.end() && stay->second.day != slot_.day && (leaving_ || close_))
             fillIn(stay->second.optionId);
         else if (!known)
@@ -84,7 +85,7 @@ class Sight {
         else if (!lf_holds(known->hours, slot_.halfHour))
             addTo(known->optionId);
         else if (leaving_)
-            stays_.erase(record_.hexid);
+            stays_.erase(record_.hexid);  // it goes within the half hour: all is written
         return true;
     }
 
@@ -92,7 +93,8 @@ class Sight {
     bool archiveTellsOtherTimes() const {
         const auto& options = stand_.options;
         return std::any_of(options.begin(), options.end(), [this](const StandOption& option) {
-            return option.fromArchive && isOf(option, keyOf(record_), slot_, real_) && !lf_holds(option.hours, slot_.halfHour);
+            return option.fromArchive && isOf(option, keyOf(record_), slot_, real_) &&
+                   !lf_holds(option.hours, slot_.halfHour);
         });
     }
 

@@ -106,8 +106,7 @@ size_t lf_countStatics(bool updateFit) {
 void lf_showMeanAge(std::atomic<float>& field, size_t count, int64_t halfHours) {
     float hours = 0;
     if (count != 0)
-        hours =
-            static_cast<float>(static_cast<double>(halfHours) / (2.0 * static_cast<double>(count)) + 0.5);
+        hours = static_cast<float>(static_cast<double>(halfHours) / (2.0 * static_cast<double>(count)) + 0.5);
     if (field.exchange(hours) != hours) gf_invalidate(Band::parking);
 }
 

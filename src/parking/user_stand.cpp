@@ -23,8 +23,11 @@ namespace {
 
 constexpr double standingKnots = 2;
 
-void setReserved(bool reserved) {
-    if (Stand* stand = lf_findStand(reservedStand)) stand->reserved = reserved;
+/// False when the airport has no such stand.
+bool setReserved(bool reserved) {
+    Stand* stand = lf_findStand(reservedStand);
+    if (stand) stand->reserved = reserved;
+    return stand != nullptr;
 }
 
 /// The flight that has ended, or the present moment when it goes on.
@@ -56,7 +59,7 @@ void lf_reserveStand(const std::string& standId) {
     setReserved(false);
     reservedStand = standId;
     lf_clearReservedStand();
-    setReserved(true);
+    g_panel.reservedStandOk = setReserved(true);
     gf_invalidate(Band::parking);
 }
 

@@ -220,7 +220,7 @@ TEST_F(LearnedFileTest, NoNameLeadsToAnotherDriveOrStream) {
               "airports/learned/thirdparty/Zeta BigSmall/EHAM.xml");
     test::writeFile("airports/my_thirdparty/EHAM.txt", "C:\\elsewhere\\EHAM.xml");
     EXPECT_EQ(gf_findAirportFile("EHAM"), "");
-    EXPECT_TRUE(test::logHas("leads out of its folder"));
+    EXPECT_TRUE(test::logHas("leads out of the archive"));
 }
 #endif
 

@@ -27,6 +27,9 @@ TEST_F(AirportPlacesTest, TheFirstPlaceThatHoldsAFileWins) {
          "archive/simaddon/EHAM.xml"},
         {"airports/my_thirdparty/EHAM.xml", "<x/>", "airports/my_thirdparty/EHAM.xml"},
         {"airports/my_thirdparty/EHAM.txt", "../../elsewhere.xml", "airports/my_thirdparty/EHAM.xml"},
+        {"airports/my_thirdparty/EHAM.txt", "archive/../../x.xml", "airports/my_thirdparty/EHAM.xml"},
+        {"airports/my_thirdparty/EHAM.txt", "input/airports_msfs.xml", "airports/my_thirdparty/EHAM.xml"},
+        {"airports/my_thirdparty/EHAM.txt", "C:\\archive\\x.xml", "airports/my_thirdparty/EHAM.xml"},
         {"airports/my_thirdparty/EHAM.txt",
          "\xef\xbb\xbf"
          "\\archive\\thirdparty\\a.xml.b\\EHAM.xmlish",

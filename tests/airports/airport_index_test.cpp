@@ -28,13 +28,16 @@ TEST_F(AirportIndexTest, ABadEntryCostsItselfAlone) {
               R"(<airports>
                  <airport code="LSZH" iata="ZRH" lat="47.458" lon=" +8.548" alt="1416"/>
                  <airport code="NOALT" lat="1" lon="2"/>
+                 <airport code="../../E" lat="1" lon="2" alt="3"/>
+                 <airport lat="1" lon="2" alt="3"/>
                  <airport code="WORD" lat="north" lon="2" alt="3"/>
                  <airport code="HUGE" lat="1" lon="1e999" alt="3"/>
                  <airport code="NAN" lat="nan" lon="1" alt="3"/>
                  <airport code="EHAM" lat="52.3" lon="4.76" alt="-11" iata=""/>
                  <airport code="LSZH" lat="1" lon="2" alt="3"/></airports>)");
     EXPECT_TRUE(gf_readAirports("airports_msfs.xml"));
-    for (const char* line : {"Missing lat/lon/alt for airport 'NOALT'",
+    for (const char* line : {"Missing lat/lon/alt for airport 'NOALT'", "'../../E' is no code of an airport",
+                             "'' is no code of an airport",
                              "Error parsing coordinates for airport 'WORD': invalid stod argument",
                              "Error parsing coordinates for airport 'HUGE': stod argument out of range",
                              "Error parsing coordinates for airport 'NAN': invalid stod argument",

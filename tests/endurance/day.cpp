@@ -168,7 +168,7 @@ class Day : public RunTest {
         heap_ = liveHeap();
         const size_t open = descriptors();
         size_t points = 0;
-        for (const LiveAc& it : liveAcs) points += it.stream.size();
+        for (const LiveAc& it : liveAcs) points += it.stream().size();
         size_t seen = 0;
         for (const Stand& stand : stands) seen += stand.options.size();
         fmt::print(

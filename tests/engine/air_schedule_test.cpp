@@ -40,7 +40,7 @@ TEST_F(AirSchedule, ApproachAndClimbOutByHeightAndSink) {
         gf_resetEngine();
         const LaLo at = away(aimPoint, 270, c.airportNm * metersPerNm);
         LiveAc& record = appear(airReport(at, 140, 90, c.alt), c.category);
-        record.stream.front().vs = c.vs;
+        record.stream().front().vs = c.vs;
         record.agl = c.agl;
         record.landing = c.landing;
         record.climbCleaned = c.cleaned;
@@ -81,7 +81,7 @@ TEST_F(AirSchedule, ThrottleAndFlapsWellAboveTheGround) {
         gf_resetEngine();
         eventQueue.clear();
         LiveAc& record = appear(airReport(aimPoint, 180, 90, 5000), c.category);
-        record.stream.front().vs = c.vs;
+        record.stream().front().vs = c.vs;
         record.agl = c.agl;
         record.throttleIdx = c.throttle;
         record.flapsIdx = c.flaps;
@@ -99,7 +99,7 @@ TEST_F(AirSchedule, LightsChangeOnceAtTenThousandFeet) {
     record.agl = 2500;
     const auto landingLights = [&](double alt) {
         eventQueue.clear();
-        record.stream.front().alt = alt;
+        record.stream().front().alt = alt;
         lf_airSchedule(record);
         return std::pair{sent(ev::landingLights, 1), sent(ev::landingLights, 0)};
     };

@@ -30,10 +30,10 @@ TEST(Slack, SchedulesWithinBounds) {
                           Case{3000, 9000, -1, 5000}, Case{6000, 9999, 1, 9999}, Case{9000, 100, 8, 5000}}) {
         LiveAc record;
         record.predictLeft = c.predictLeft;
-        record.stream.resize(2);
-        record.stream[1].time = c.due;
+        record.stream().resize(2);
+        record.stream()[1].time = c.due;
         lf_scheduleNext(record, c.wanted);
-        EXPECT_EQ(record.stream[1].time, c.got) << c.due << " " << c.wanted;
+        EXPECT_EQ(record.stream()[1].time, c.got) << c.due << " " << c.wanted;
     }
     engineTick = 0;
 }
@@ -54,19 +54,19 @@ TEST(Slack, WidensAndDecays) {
 
 TEST(Slack, SpeedOfASegment) {
     LiveAc record;
-    record.stream.push_back(groundReport(home, 0));
-    record.stream.push_back(groundReport(away(home, 90, 1852), 0));
-    record.stream[0].time = 100;
-    record.stream[1].time = 36100;
+    record.stream().push_back(groundReport(home, 0));
+    record.stream().push_back(groundReport(away(home, 90, 1852), 0));
+    record.stream()[0].time = 100;
+    record.stream()[1].time = 36100;
     EXPECT_NEAR(lf_segmentSpeed(record), 10, 0.01) << "both 0: distance by time";
-    record.stream[1].time = 50;
+    record.stream()[1].time = 50;
     EXPECT_NEAR(lf_segmentSpeed(record), 14400, 10) << "never less than 25 ticks";
-    record.stream[1] = groundReport(away(home, 90, 1), 0);
-    record.stream[1].time = 100000;
+    record.stream()[1] = groundReport(away(home, 90, 1), 0);
+    record.stream()[1].time = 100000;
     EXPECT_EQ(lf_segmentSpeed(record), 1) << "never below a knot";
-    record.stream[1].speed = 30;
+    record.stream()[1].speed = 30;
     EXPECT_EQ(lf_segmentSpeed(record), 15);
-    record.stream[0].speed = -30;
+    record.stream()[0].speed = -30;
     EXPECT_EQ(lf_segmentSpeed(record), 0.1) << "opposite speeds";
     EXPECT_EQ(lf_travelTicks(100, 0.0), ticksOfAWeek);
     EXPECT_EQ(lf_travelTicks(0.001, 450), 25);
@@ -85,17 +85,17 @@ class AirSegment : public MotionTest {
         gf_resetEngine();
         engineTick = 3000;
         LiveAc& record = addFlying(airReport(home, 150, 90, 3000), category);
-        record.stream.front().time = 3000;
+        record.stream().front().time = 3000;
         return record;
     }
     static LivePos& add(LiveAc& record, double alt, double vs = 0, double bearing = 90) {
-        const LaLo from = record.stream.back().pos();
+        const LaLo from = record.stream().back().pos();
         LivePos pos = airReport(away(from, bearing, 150 * 1852 / 720.0), 150, bearing, alt);
         pos.airborne = alt > 0;
         pos.vs = vs;
-        pos.time = record.stream.back().time + 500;
-        record.stream.push_back(pos);
-        return record.stream.back();
+        pos.time = record.stream().back().time + 500;
+        record.stream().push_back(pos);
+        return record.stream().back();
     }
     static bool gearWentDown(const LiveAc& record) {
         const bool sent = std::any_of(eventQueue.begin(), eventQueue.end(), [&](const SimEvent& e) {
@@ -134,7 +134,7 @@ TEST_F(AirSegment, ClimbBetweenAirborneReports) {
             parkAirport = {"LSZH", "ZRH", at.lat, at.lon, 1400};
         }
         record.agl = c.agl;
-        record.stream.front().vs = c.frontVs;
+        record.stream().front().vs = c.frontVs;
         add(record, c.next);
         lf_nextSegment(record);
         EXPECT_NEAR(record.dAlt, c.dAlt, 1e-3);
@@ -174,11 +174,11 @@ TEST_F(AirSegment, ComingDownToReportsOnTheGround) {
         parkAirport = {};
         if (c.airport) parkAirport = {"LSZH", "ZRH", home.lat, home.lon, 2900};
         record.agl = c.agl;
-        record.stream.front().vs = c.vs0;
+        record.stream().front().vs = c.vs0;
         add(record, 0, c.vs1);
         lf_nextSegment(record);
         EXPECT_NEAR(record.dAlt * 6000, c.fpm, 0.1);
-        EXPECT_EQ(record.stream.front().vs, c.nextVs) << "the sink stays for the next segment";
+        EXPECT_EQ(record.stream().front().vs, c.nextVs) << "the sink stays for the next segment";
         EXPECT_EQ(record.vsFpm, c.nextVs);
         EXPECT_TRUE(gearWentDown(record));
     }
@@ -193,7 +193,7 @@ TEST_F(AirSegment, ComingDownToReportsOnTheGround) {
 TEST_F(AirSegment, FromTheGroundUp) {
     for (const auto& [alt, dAlt] : {std::pair{3100.0, 0.2}, {4000.0, 0.6}, {2900.0, 0.0}}) {
         LiveAc& record = flight();
-        record.stream.front().airborne = false;
+        record.stream().front().airborne = false;
         add(record, alt);
         lf_nextSegment(record);
         EXPECT_NEAR(record.dAlt, dAlt, 1e-9);
@@ -203,7 +203,7 @@ TEST_F(AirSegment, FromTheGroundUp) {
 TEST_F(AirSegment, FlyingWhileTheReportsAreOnTheGround) {
     const auto onGroundReports = [&](double vs) -> LiveAc& {
         LiveAc& record = flight();
-        record.stream.front().airborne = false;
+        record.stream().front().airborne = false;
         for (int i = 0; i < 2; ++i) add(record, 0, vs);
         return record;
     };
@@ -215,7 +215,7 @@ TEST_F(AirSegment, FlyingWhileTheReportsAreOnTheGround) {
     LiveAc& climbing = onGroundReports(60);
     lf_nextSegment(climbing);
     EXPECT_NEAR(climbing.dAlt, 601 / 6000.0, 1e-9);
-    EXPECT_EQ(climbing.stream.front().vs, 601);
+    EXPECT_EQ(climbing.stream().front().vs, 601);
     EXPECT_TRUE(gearWentDown(climbing));
 
     LiveAc& landing = onGroundReports(60);
@@ -225,17 +225,17 @@ TEST_F(AirSegment, FlyingWhileTheReportsAreOnTheGround) {
 
     // The third point is airborne, and a fourth follows: straight to the third, at its distance.
     LiveAc& skipping = onGroundReports(60);
-    skipping.stream.pop_back();
+    skipping.stream().pop_back();
     add(skipping, 3100, 60, 0);
     add(skipping, 3200, 60);
     lf_nextSegment(skipping);
-    ASSERT_EQ(skipping.stream.size(), 2u);
-    EXPECT_EQ(skipping.stream.front().alt, 3100);
-    EXPECT_NEAR(skipping.stream.front().time, 3000 + 500 * std::sqrt(2.0), 1);
-    const double ticks = skipping.stream.front().time - engineTick;
+    ASSERT_EQ(skipping.stream().size(), 2u);
+    EXPECT_EQ(skipping.stream().front().alt, 3100);
+    EXPECT_NEAR(skipping.stream().front().time, 3000 + 500 * std::sqrt(2.0), 1);
+    const double ticks = skipping.stream().front().time - engineTick;
     EXPECT_NEAR(skipping.dAlt * ticks, 100, 1e-6);
-    EXPECT_NEAR(skipping.simLon + ticks * skipping.dLon, skipping.stream.front().lon, 1e-9);
-    EXPECT_NEAR(skipping.simLat + ticks * skipping.dLat, skipping.stream.front().lat, 1e-9);
+    EXPECT_NEAR(skipping.simLon + ticks * skipping.dLon, skipping.stream().front().lon, 1e-9);
+    EXPECT_NEAR(skipping.simLat + ticks * skipping.dLat, skipping.stream().front().lat, 1e-9);
 }
 
 TEST_F(AirSegment, LandingFollowsTheReports) {
@@ -249,7 +249,7 @@ TEST_F(AirSegment, LandingFollowsTheReports) {
         LiveAc& record = flight();
         record.landing = true;
         record.agl = c.agl;
-        record.stream.front().vs = c.vs;
+        record.stream().front().vs = c.vs;
         add(record, c.next, c.vs);
         lf_nextSegment(record);
         EXPECT_NEAR(record.dAlt, c.dAlt, 1e-9) << c.agl << " " << c.next << " " << c.vs;
@@ -298,7 +298,7 @@ TEST_F(AirSegment, HeadingAndBank) {
     EXPECT_NEAR(toDeg(right.dBank) * 500, -30, 0.05);
 
     LiveAc& last = turning(30);
-    last.stream.pop_back();
+    last.stream().pop_back();
     lf_nextSegment(last);
     EXPECT_EQ(last.dHeading, 0) << "no leg behind the next point";
 
@@ -320,7 +320,7 @@ TEST_F(AirSegment, HeadingAndBank) {
         LiveAc& record = turning(30);
         record.agl = c.agl;
         record.landing = c.landing;
-        LivePos& next = record.stream[1];
+        LivePos& next = record.stream()[1];
         next.hasTrueHeading = true;
         next.trueHeading = toRad(80);
         next.roll = toRad(5);
@@ -335,9 +335,9 @@ TEST_F(AirSegment, ALatePointTakesAQuarterOfASecond) {
     add(record, 3000);
     engineTick = 9000;
     lf_nextSegment(record);
-    EXPECT_EQ(record.stream.front().time, 9025);
+    EXPECT_EQ(record.stream().front().time, 9025);
     for (int i = 0; i < 25; ++i) lf_moveOneTick(record);
-    EXPECT_NEAR(record.simLon, record.stream.front().lon, 1e-9);
+    EXPECT_NEAR(record.simLon, record.stream().front().lon, 1e-9);
 }
 
 TEST(MoveOneTick, TurnsTheShortWayAndNeverTooFar) {

@@ -135,14 +135,14 @@ TEST_F(ClosestStand, WhereAnAircraftAppears) {
         LiveAc& it = onGround(Stage::birth, away(standHome, 180, c.metersToGo));
         it.simState = State::buffer;
         it.title = "A320 SWR";
-        it.stream.push_back(test::groundReport(standHome, c.knots));
-        it.stream[1].stopped = c.knots == 0;
+        it.stream().push_back(test::groundReport(standHome, c.knots));
+        it.stream()[1].stopped = c.knots == 0;
         c.change();
         spawnLiveAc(it);
         EXPECT_EQ(it.stage, c.stage);
         EXPECT_TRUE(it.eraseNow == (c.stage == Stage::birth) && addingStack.empty() == it.eraseNow);
         if (it.stage != Stage::parked) continue;
-        EXPECT_TRUE(it.stream.size() == 1 && it.stream[0].stopped && it.stream[0].speed == 0);
+        EXPECT_TRUE(it.stream().size() == 1 && it.stream()[0].stopped && it.stream()[0].speed == 0);
         EXPECT_TRUE(it.simPos() == stand.pos() && it.simHeading == stand.heading && it.standId == 1);
         EXPECT_TRUE(!stand.cargo && stand.cargoChanged);
         const LiveAc& before = liveAcs[0];

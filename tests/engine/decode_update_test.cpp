@@ -33,8 +33,8 @@ class DecodeUpdate : public MotionTest {
     static void add(LiveAc& record, LaLo place, double speed, bool stopped) {
         LivePos pos = groundReport(place, speed);
         pos.stopped = stopped;
-        pos.time = record.stream.back().time + 500;
-        record.stream.push_back(pos);
+        pos.time = record.stream().back().time + 500;
+        record.stream().push_back(pos);
     }
 };
 
@@ -170,17 +170,17 @@ TEST_F(DecodeUpdate, HaltsAreCutOut) {
         add(record, away(home, 90, 50), 8, false);
         for (int i = 0; i < c.stops; ++i) add(record, away(home, 90, 51), 0, true);
         decodeExisting(record, groundReport(away(away(home, 90, 50), 0, c.meters), 8));
-        EXPECT_EQ(record.stream.size(), c.left + 1);
+        EXPECT_EQ(record.stream().size(), c.left + 1);
     }
     // One that stands keeps two points, and switches to the new one at once.
     LiveAc& record = aircraft(groundReport(home, 10));
-    record.stream.front().stopped = true;
+    record.stream().front().stopped = true;
     for (int i = 0; i < 3; ++i) add(record, home, 0, true);
     engineTick = 9000;
     decodeExisting(record, groundReport(home, 0));
-    ASSERT_EQ(record.stream.size(), 2u);
-    EXPECT_EQ(record.stream[0].time, 9001);
-    EXPECT_EQ(record.stream[0].speed, 0);
+    ASSERT_EQ(record.stream().size(), 2u);
+    EXPECT_EQ(record.stream()[0].time, 9001);
+    EXPECT_EQ(record.stream()[0].speed, 0);
 }
 
 TEST_F(DecodeUpdate, WhatStartsATakeOffAndEndsIt) {
@@ -204,11 +204,11 @@ TEST_F(DecodeUpdate, WhatStartsATakeOffAndEndsIt) {
         LiveAc& record = aircraft(groundReport(home, c.before));
         record.rollout = c.rollout;
         record.departing = c.departing;
-        record.stream.front().airborne = c.airborneBefore;
+        record.stream().front().airborne = c.airborneBefore;
         LivePos pos = groundReport(away(home, 0, 300), c.now);
         pos.airborne = c.airborne;
         decodeExisting(record, pos);
-        EXPECT_EQ(record.stream.size(), 2u);
+        EXPECT_EQ(record.stream().size(), 2u);
         EXPECT_EQ(record.departing, c.departs);
     }
 }
@@ -222,9 +222,9 @@ TEST_F(DecodeUpdate, AReportEndsThePrediction) {
         record.departing = bearing == 90;
         engineTick = 700;
         decodeExisting(record, airReport(away(home, bearing, 3000), 300, 90));
-        EXPECT_EQ(record.stream.size(), ahead ? 2u : 1u);
+        EXPECT_EQ(record.stream().size(), ahead ? 2u : 1u);
         EXPECT_EQ(record.predictLeft, ahead ? 0 : 4);
-        EXPECT_EQ(record.stream.front().time, ahead ? 701 : 3000);
+        EXPECT_EQ(record.stream().front().time, ahead ? 701 : 3000);
         EXPECT_EQ(record.maxLate, !ahead ? 1000 : record.departing ? 5000 : 3000);
     }
 }

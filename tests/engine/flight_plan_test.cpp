@@ -72,6 +72,16 @@ TEST_F(FlightPlan, AnObjectWithARouteGetsItsFileUntilItGoes) {
     EXPECT_TRUE(fs::is_empty(folder));
 }
 
+TEST_F(FlightPlan, ARouteAddsNothingToTheFile) {
+    gf_createFlightPlanFolder();
+    EXPECT_TRUE(attached("A&B", "</DestinationID><Waypoint/>").hasFlightPlan);
+    const std::string text = test::readFile(folder / "1001.pln");
+    EXPECT_NE(text.find("<DepartureID>A&amp;B</DepartureID>"), std::string::npos) << text;
+    EXPECT_NE(text.find("<DestinationID>&lt;/DestinationID&gt;&lt;Waypoint/&gt;</DestinationID>"),
+              std::string::npos)
+        << text;
+}
+
 TEST_F(FlightPlan, AFailureIsToldAndLeavesNothing) {
     EXPECT_FALSE(attached("LHR", "AMS").hasFlightPlan);  // no folder
     EXPECT_TRUE(simulator.takeCalls().empty());

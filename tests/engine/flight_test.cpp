@@ -9,6 +9,7 @@
 #include "engine/engine.h"
 #include "engine/engine_state.h"
 #include "engine/slack.h"
+#include "engine/update_cycle.h"
 #include "tests/support/flown_aircraft.h"
 
 namespace skl::test {
@@ -237,7 +238,7 @@ TEST_F(Flight, ASegmentThatIsNoNumberRemovesTheAircraftOnce) {
     LivePos broken = path(5);
     broken.lat = std::nan("");
     broken.time = 3500;
-    record.stream.push_back(broken);
+    record.stream().push_back(broken);
     const FlightLog log = fly(path, 60, 5);
     EXPECT_EQ(log.poses.size(), 3000u);
     EXPECT_EQ(record.simState, SimObjectState::removingfromsim);
@@ -253,7 +254,7 @@ TEST_F(Flight, StoppedPointsInTheAirAreSkippedExceptForHelicopters) {
             LivePos hover = airReport(away(home, 90, i < 3 ? 77 : 300), i < 3 ? 0 : 60, 90, 2000);
             hover.stopped = i == 2;
             hover.time = 3000 + i * 500;
-            record.stream.push_back(hover);
+            record.stream().push_back(hover);
         }
         for (int i = 0; i < 3900; ++i) tick();
         const double before = record.simLon;
@@ -273,7 +274,7 @@ TEST_F(Flight, HelicopterThatStandsInItsReportsComesDown) {
         LivePos stand = groundReport(pad, i == 0 ? 20 : 0, 90);
         stand.stopped = i == 1;
         stand.time = 3500 + i * 3000;
-        record.stream.push_back(stand);
+        record.stream().push_back(stand);
     }
     for (int i = 0; i < 3700; ++i) tick();
     EXPECT_GE(record.simAlt, 1000 - 0.25 * 700) << "no steeper than 1,500 fpm";
@@ -313,14 +314,14 @@ TEST_F(Flight, RandomReportsNeverBreakThePose) {
         const size_t which = static_cast<size_t>(pick(0, 3.999));
         const uint32_t hexid = flownHexid + static_cast<uint32_t>(which);
         LiveAc& record = *lf_findLive(hexid);
-        ASSERT_LE(record.stream.size(), 201u);
+        ASSERT_LE(record.stream().size(), 201u);
         if (record.simState != SimObjectState::active) {
             // Back from its removal, with other manners.
             record.simState = SimObjectState::active;
             record.predictLeft = 0;
-            record.stream.resize(1, airReport(record.simPos(), 100, 0));
-            record.stream[0].lat = record.simLat;
-            record.stream[0].lon = record.simLon;
+            record.stream().resize(1, airReport(record.simPos(), 100, 0));
+            record.stream()[0].lat = record.simLat;
+            record.stream()[0].lon = record.simLon;
             record.implausibleReports = 0;
         }
         if (i % 40 != 0) continue;
@@ -339,6 +340,27 @@ TEST_F(Flight, RandomReportsNeverBreakThePose) {
     }
     EXPECT_FALSE(logHas("exception"));
     EXPECT_FALSE(logHas("nextPosMain"));
+}
+
+// Between the times of its points a tick looks at no stream, unless somebody has laid hands on it.
+TEST_F(Flight, AChangedStreamIsLookedAtByTheNextTick) {
+    LiveAc& record = addFlying(straight(home, 70, 450, 450)(0));
+    for (int k = 1; k <= 3; ++k) {
+        LivePos point = straight(home, 70, 450, 450)(5.0 * k);
+        point.time = record.stream().back().time + 500;
+        record.stream().push_back(point);
+    }
+    record.stream().front().time = engineTick + 1000;
+    const LiveAc& seen = record;
+    updateLiveAc(record);
+    EXPECT_EQ(record.lookAt, engineTick + 1000);
+    const size_t before = seen.stream().size();
+    updateLiveAc(record);
+    EXPECT_EQ(seen.stream().size(), before);
+    record.stream().front().time = engineTick;
+    updateLiveAc(record);
+    EXPECT_EQ(seen.stream().size(), before - 1) << "the next segment has begun";
+    EXPECT_EQ(record.lookAt, seen.stream().front().time);
 }
 
 }  // namespace

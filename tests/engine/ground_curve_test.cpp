@@ -18,12 +18,12 @@ TEST_F(GroundCurveTest, LeadsFromThePoseRoundTheCornerToTheEnd) {
         LiveAc record;
         record.simLat = home.lat;  // not on the front: the curve begins where the aircraft is
         record.simLon = home.lon;
-        record.stream = {groundReport(away(home, 180, 9), 20), groundReport(corner, 10),
-                         groundReport(end, 0)};
+        record.stream() = {groundReport(away(home, 180, 9), 20), groundReport(corner, 10),
+                           groundReport(end, 0)};
         lf_makeCurve(record);
-        ASSERT_EQ(record.stream.size(), 2u);
-        EXPECT_EQ(record.stream[1].pos(), end);
-        EXPECT_EQ(record.stream[1].speed, 15) << "an end without a speed takes the mean before it";
+        ASSERT_EQ(record.stream().size(), 2u);
+        EXPECT_EQ(record.stream()[1].pos(), end);
+        EXPECT_EQ(record.stream()[1].speed, 15) << "an end without a speed takes the mean before it";
         struct Case {
             double t;
             LaLo at;
@@ -54,9 +54,9 @@ TEST_F(GroundCurveTest, TheNoseFollowsTheCourseEvenly) {
         LiveAc& record = addFlying(groundReport(home, 8));
         record.onGround = true;
         record.stage = FlightStage::taxi;
-        record.stream.push_back(groundReport(corner, 8));
-        record.stream.push_back(groundReport(away(corner, turn, 25), 8));
-        for (size_t i = 0; i < 3; ++i) record.stream[i].time = static_cast<int32_t>(500 * i);
+        record.stream().push_back(groundReport(corner, 8));
+        record.stream().push_back(groundReport(away(corner, turn, 25), 8));
+        for (size_t i = 0; i < 3; ++i) record.stream()[i].time = static_cast<int32_t>(500 * i);
         int ticks = 0;
         for (; ticks < 200 || record.curve.set(); ++ticks) {
             tick();

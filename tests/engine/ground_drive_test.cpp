@@ -21,7 +21,7 @@ class GroundDrive : public StandTest {
     static LiveAc& taxiing(LaLo place, double speed, double track = 0) {
         anew();
         LiveAc& record = onGround(taxi, place, track);
-        record.stream[0].speed = speed;
+        record.stream()[0].speed = speed;
         return record;
     }
 };
@@ -105,10 +105,10 @@ TEST_F(GroundDrive, OntoTheStand) {
         LiveAc& record =
             taxiing(c.bend ? away(near, course + 90, 12) : near, 4, c.bend ? course - 90 : course);
         addStand("A1", home).heading = toRad(30);
-        if (c.bend) record.stream.push_back(groundReport(near, 4));
-        record.stream.push_back(groundReport(last, 4));
-        record.stream.push_back(groundReport(last, 0));
-        record.stream.back().stopped = true;
+        if (c.bend) record.stream().push_back(groundReport(near, 4));
+        record.stream().push_back(groundReport(last, 4));
+        record.stream().push_back(groundReport(last, 0));
+        record.stream().back().stopped = true;
         for (int i = 0; i < 9000 && record.stage != parked; ++i) {
             tick();
             EXPECT_FALSE(record.curve.set()) << "the drive replaces the curve";
@@ -144,9 +144,9 @@ TEST_F(GroundDrive, ParkingIsTriedWhereReportsEnd) {
         record.stage = c.stage;
         record.towed = c.towed;
         record.predictLeft = c.predictLeft;
-        record.stream.push_back(groundReport(away(home, 180, 3), c.speed));
-        record.stream.push_back(groundReport(home, 0));
-        record.stream.back().stopped = c.stopped;
+        record.stream().push_back(groundReport(away(home, 180, 3), c.speed));
+        record.stream().push_back(groundReport(home, 0));
+        record.stream().back().stopped = c.stopped;
         nextPosGround(record);
         EXPECT_EQ(record.stage == parking, c.parks) << c.speed << ' ' << c.meters << ' ' << c.predictLeft;
     }
@@ -160,7 +160,7 @@ TEST_F(GroundDrive, WhatBeginsWithASegment) {
     for (const Case& c : {Case{14.9, 19.9, 0}, {15, 0, 1}, {0, 25, 2}, {0, 30, 4}})
         for (const bool departing : {false, true}) {
             LiveAc& record = taxiing(home, c.from);
-            record.stream.push_back(groundReport(away(home, 0, 50), c.to));
+            record.stream().push_back(groundReport(away(home, 0, 50), c.to));
             record.stage = departing ? taxi : pushing_back;
             record.departing = departing;
             record.maxLate = 1150;
@@ -174,10 +174,10 @@ TEST_F(GroundDrive, WhatBeginsWithASegment) {
     // Reports that came while it had no object have left the ground: no later one may tell it so.
     for (const bool airborne : {false, true}) {
         LiveAc& record = taxiing(home, 60);
-        record.stream.push_back(groundReport(away(home, 0, 400), 90));
-        record.stream.push_back(airReport(away(home, 0, 900), 120, 0, 400));
-        record.stream[1].airborne = airborne;
-        record.stream[1].vs = record.stream[2].vs = 1500;
+        record.stream().push_back(groundReport(away(home, 0, 400), 90));
+        record.stream().push_back(airReport(away(home, 0, 900), 120, 0, 400));
+        record.stream()[1].airborne = airborne;
+        record.stream()[1].vs = record.stream()[2].vs = 1500;
         lf_setupGroundSegment(record);
         EXPECT_EQ(record.stage, airborne ? take_off : taxi);
     }

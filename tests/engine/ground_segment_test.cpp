@@ -21,10 +21,10 @@ class GroundSegment : public MotionTest {
         record.groundTurnRate = 0.001;
         record.simLat = home.lat;
         record.simLon = home.lon;
-        record.stream = {groundReport(home, speed)};
+        record.stream() = {groundReport(home, speed)};
         for (LivePos& pos : ahead) {
-            pos.time = record.stream.back().time + 600;
-            record.stream.push_back(pos);
+            pos.time = record.stream().back().time + 600;
+            record.stream().push_back(pos);
         }
         return record;
     }
@@ -60,15 +60,15 @@ TEST_F(GroundSegment, CornersAndMidpoints) {
         const LaLo corner = away(home, 0, c.meters);
         LiveAc record = taxiing(
             {groundReport(corner, c.cornerSpeed), groundReport(away(corner, c.turn, c.back), 20)}, c.speed);
-        record.stream[1].time = c.ticks;
+        record.stream()[1].time = c.ticks;
         record.simHeading = toRad(c.nose);
         nextPosGround(record);
         EXPECT_EQ(record.curve.set(), c.shape == curve);
-        ASSERT_EQ(record.stream.size(), c.shape == curve ? 2u : c.shape == midpoint ? 4u : 3u);
+        ASSERT_EQ(record.stream().size(), c.shape == curve ? 2u : c.shape == midpoint ? 4u : 3u);
         EXPECT_NEAR(record.curveAngle, c.shape == curve ? c.turn - c.nose : 0, 0.01);
         if (c.shape != midpoint) continue;
-        EXPECT_NEAR(gf_distanceNm(home, record.stream[1].pos()) * metersPerNm, c.meters / 2, 0.01);
-        EXPECT_EQ(record.stream[1].speed, (c.speed + c.cornerSpeed) / 2);
+        EXPECT_NEAR(gf_distanceNm(home, record.stream()[1].pos()) * metersPerNm, c.meters / 2, 0.01);
+        EXPECT_EQ(record.stream()[1].speed, (c.speed + c.cornerSpeed) / 2);
     }
 }
 
@@ -77,29 +77,29 @@ TEST_F(GroundSegment, WaysWithoutACorner) {
     for (const int32_t predictLeft : {0, 1})
         for (const bool stops : {false, true}) {
             LiveAc record = stops ? taxiing({slow, slow}) : taxiing({slow});
-            record.stream.back().stopped = stops;
+            record.stream().back().stopped = stops;
             record.predictLeft = predictLeft;
             record.targetHeading = toRad(359);
             record.simHeading = toRad(stops ? 1.99 : 2.01);
-            const size_t before = record.stream.size();
+            const size_t before = record.stream().size();
             nextPosGround(record);
-            EXPECT_EQ(record.stream.size() > before, stops || predictLeft == 0);
+            EXPECT_EQ(record.stream().size() > before, stops || predictLeft == 0);
             EXPECT_NEAR(record.headingError, stops ? 2.99 : 3.01, 1e-9);
             EXPECT_EQ(record.turningOnGround, !stops);
         }
     // Points that were made where the aircraft stood carry the height of the ground.
     for (const int airborne : {0, 1, 2}) {
         LiveAc record = taxiing({slow});
-        LivePos &from = record.stream[0], &to = record.stream[1];
+        LivePos &from = record.stream()[0], &to = record.stream()[1];
         from.lon = -179.9999, to.lon = 179.9997;
         from.alt = 700, to.alt = 500;
         from.airborne = airborne == 1, to.airborne = airborne == 2;
         from.time = 1;
         lf_insertMidpoint(record);
-        EXPECT_EQ(record.stream[1].alt, airborne ? 600 : 0);
-        EXPECT_EQ(record.stream[1].airborne, airborne != 0);
-        EXPECT_NEAR(record.stream[1].lon, 179.9999, 1e-9);
-        EXPECT_EQ(record.stream[1].time, 301);  // 300.5
+        EXPECT_EQ(record.stream()[1].alt, airborne ? 600 : 0);
+        EXPECT_EQ(record.stream()[1].airborne, airborne != 0);
+        EXPECT_NEAR(record.stream()[1].lon, 179.9999, 1e-9);
+        EXPECT_EQ(record.stream()[1].time, 301);  // 300.5
     }
 }
 
@@ -128,22 +128,22 @@ TEST_F(GroundSegment, TurnRateAndTime) {
             lf_timeGroundSegment(record);
             EXPECT_NEAR(record.turnRate, 0.001 * factor, 1e-6);
             EXPECT_EQ(record.maxLate, angle >= 90 ? 2000 : 1000);
-            EXPECT_NEAR(record.stream[1].time, std::min(ticks, 600.0 + record.maxLate), 1);
+            EXPECT_NEAR(record.stream()[1].time, std::min(ticks, 600.0 + record.maxLate), 1);
             record.predictLeft = 1;  // knows no slack
             lf_timeGroundSegment(record);
-            EXPECT_NEAR(record.stream[1].time, ticks, 1);
+            EXPECT_NEAR(record.stream()[1].time, ticks, 1);
         }
     // Times of the front, of the stop and now; when it is due.
     constexpr int32_t stops[][4] = {{0, 600, 0, 600},     {0, 600, 590, 615},   {0, 10, 0, 25},
                                     {500, 300, 400, 525}, {0, 600, 1590, 1600}, {0, 600, 1700, 1700}};
     for (const auto& [front, next, now, due] : stops) {
         LiveAc record = taxiing({groundReport(home, 0)});
-        record.stream[0].time = front;
-        record.stream[1].time = next;
-        record.stream[1].stopped = true;
+        record.stream()[0].time = front;
+        record.stream()[1].time = next;
+        record.stream()[1].stopped = true;
         engineTick = now;
         lf_timeGroundSegment(record);
-        EXPECT_EQ(record.stream[1].time, due) << front << ' ' << next << ' ' << now;
+        EXPECT_EQ(record.stream()[1].time, due) << front << ' ' << next << ' ' << now;
     }
 }
 

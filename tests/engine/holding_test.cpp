@@ -20,7 +20,7 @@ class Holding : public MotionTest {
             record.onGround = true;
             record.stage = FlightStage::taxi;
             record.halfSpanNm = 17.9 / metersPerNm;
-            record.stream.front().stopped = true;
+            record.stream().front().stopped = true;
         }
     }
     static void run(double seconds) {

@@ -255,16 +255,16 @@ TEST_F(Landing, ReportsThatLeadBackDoNotJoin) {
         record.landing = c.landing;
         record.rollout = !c.landing;
         record.predictLeft = c.predict;
-        record.stream.resize(1);
+        record.stream().resize(1);
         for (int i = 1; i < c.points; ++i) {
-            record.stream.push_back(groundReport(away(aimPoint, 90, 100 * i), 90, 90));
-            record.stream.back().time = record.stream.front().time + 100 * i;
+            record.stream().push_back(groundReport(away(aimPoint, 90, 100 * i), 90, 90));
+            record.stream().back().time = record.stream().front().time + 100 * i;
         }
-        const LaLo last = record.stream.back().pos();
-        if (c.speed < 41 && c.points > 1) record.stream.back().speed = 30;
+        const LaLo last = record.stream().back().pos();
+        if (c.speed < 41 && c.points > 1) record.stream().back().speed = 30;
         LivePos pos = groundReport(c.meters == 0 ? last : away(last, c.bearing, c.meters), c.speed, 90);
         EXPECT_EQ(checkNewPosDuringLanding(record, pos), c.joins);
-        EXPECT_EQ(record.stream.size(), c.left);
+        EXPECT_EQ(record.stream().size(), c.left);
         if (!c.joins) continue;
         EXPECT_EQ(pos.stopped, c.stopped);
         EXPECT_EQ(pos.speed, c.speedTaken);
@@ -280,14 +280,14 @@ TEST_F(Landing, AStopOnTheLastButOnePointDropsOnlyTheLast) {
         record.simHeading = toRad(heading);
         record.rollout = true;
         for (int i = 1; i < 3; ++i)
-            record.stream.push_back(groundReport(away(aimPoint, heading, 10 * i), 6, heading));
-        LivePos pos = record.stream[1];
+            record.stream().push_back(groundReport(away(aimPoint, heading, 10 * i), 6, heading));
+        LivePos pos = record.stream()[1];
         pos.speed = 5;
         EXPECT_TRUE(checkNewPosDuringLanding(record, pos));
-        EXPECT_EQ(record.stream.size(), 2u);
+        EXPECT_EQ(record.stream().size(), 2u);
         EXPECT_TRUE(pos.stopped);
         EXPECT_EQ(pos.speed, 0);
-        LivePos hovering = record.stream.back();
+        LivePos hovering = record.stream().back();
         hovering.speed = 0;
         hovering.airborne = true;
         EXPECT_FALSE(checkNewPosDuringLanding(record, hovering)) << "no stop in the air";
@@ -299,7 +299,7 @@ TEST_F(Landing, NoFlareOnTheWayToAReportThatClimbsAway) {
         LiveAc& record = appear(airReport(aimPoint, 140, 90, 30));
         record.agl = 30;
         record.landing = true;
-        record.stream.front().vs = vs;
+        record.stream().front().vs = vs;
         lf_flareStep(record);
         EXPECT_EQ(record.flareState, vs > 600 ? 0 : 1);
         gf_resetEngine();
@@ -317,7 +317,7 @@ TEST_F(Landing, TheRollOutEndsWithATurnOffTheRunway) {
     eventQueue.clear();
     lf_rolloutStep(record);
     EXPECT_TRUE(eventQueue.empty()) << "fast and straight on";
-    record.stream.front().speed = 90;
+    record.stream().front().speed = 90;
     lf_rolloutStep(record);
     EXPECT_EQ(sent(ev::spoilersSet, 0), 1);
     EXPECT_TRUE(record.rollout);

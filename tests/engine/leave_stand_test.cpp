@@ -164,7 +164,7 @@ TEST_F(LeaveStand, ReportsBehindAPushback) {
         EXPECT_EQ(report(groundReport(away(home, 90, c.meters), 5)), c.taxis);
         EXPECT_EQ(record.holding, !c.taxis);
         EXPECT_EQ(record.holdStart, c.taxis ? 0 : 700);
-        EXPECT_EQ(record.stream.front().time == 701 && record.predictLeft == 0, c.taxis);
+        EXPECT_EQ(record.stream().front().time == 701 && record.predictLeft == 0, c.taxis);
         if (c.taxis) continue;
         EXPECT_NEAR(record.pushedDistance * metersPerNm, c.meters, 0.1);
     }

@@ -94,7 +94,7 @@ TEST_F(LiveParking, TheStandIsCleared) {
     addStand("A1", standHome);
     parked(20001);
     LiveAc& it = onGround(Stage::taxi, away(standHome, 180, 1));
-    it.stream.push_back(it.stream.front());
+    it.stream().push_back(it.stream().front());
     it.holding = true;
     it.predictLeft = it.holdStart = 3;
     it.curve.ctrlEast = it.curve.ctrlNorth = it.standDistLast = 1;
@@ -106,9 +106,9 @@ TEST_F(LiveParking, TheStandIsCleared) {
     it.lastParkLat = 0;
     try2Park(it, false);
     EXPECT_EQ(it.stage, Stage::parking);
-    ASSERT_EQ(it.stream.size(), 3u);
-    EXPECT_EQ(it.stream[1].time, it.stream[0].time + 100);
-    EXPECT_TRUE(it.stream[2].time == it.stream[1].time + 50 && it.stream[2].speed == 0);
+    ASSERT_EQ(it.stream().size(), 3u);
+    EXPECT_EQ(it.stream()[1].time, it.stream()[0].time + 100);
+    EXPECT_TRUE(it.stream()[2].time == it.stream()[1].time + 50 && it.stream()[2].speed == 0);
     EXPECT_TRUE(!it.holding && it.holdStart == 0 && it.predictLeft == 0);
     EXPECT_TRUE(!it.curve.set() && it.standDistLast == 0);
     EXPECT_EQ(lf_findLive(20001)->simState, State::removingfromsim);

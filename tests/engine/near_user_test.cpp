@@ -56,9 +56,9 @@ TEST_F(NearUser, HoldsBackWhatWouldAppearBeforeTheUser) {
         LivePos front = c.airborne ? test::airPoint(place) : test::groundPoint(place, c.speed);
         front.track = c.track;
         front.alt = c.alt;
-        record.stream = {front, front};
+        record.stream() = {front, front};
         EXPECT_EQ(lf_nearUser(record), c.drops) << c.what;
-        EXPECT_EQ(record.stream.size(), c.drops ? 1u : 2u) << c.what;
+        EXPECT_EQ(record.stream().size(), c.drops ? 1u : 2u) << c.what;
         EXPECT_EQ(record.nearUser, c.heldAfter) << c.what;
     }
 }
@@ -68,7 +68,7 @@ TEST_F(NearUser, SwitchedOffItHoldsNothingBack) {
     LiveAc record;
     for (const bool down : {true, false}) {
         userOnGround = down;
-        record.stream = {test::groundPoint({51, 0}, 0), test::groundPoint({51, 0}, 0)};
+        record.stream() = {test::groundPoint({51, 0}, 0), test::groundPoint({51, 0}, 0)};
         EXPECT_FALSE(lf_nearUser(record)) << down;
     }
 }

@@ -84,12 +84,12 @@ TEST_F(ParkedReports, TheEndOfAStay) {
         it.category = c.category;
         it.landed = c.landed;
         it.predictLeft = 1;
-        it.stream.front().time = 700 + ticksOfAWeek;
+        it.stream().front().time = 700 + ticksOfAWeek;
         engineTick = 700 + c.ticks;
         stand.occupied = true;
         EXPECT_TRUE(reportAt(it, 175));
         EXPECT_TRUE(it.towed == c.towed && !it.landed && !stand.occupied);
-        EXPECT_TRUE(it.predictLeft == 0 && it.stream.front().time == engineTick + 1 && it.maxEarly == 3000);
+        EXPECT_TRUE(it.predictLeft == 0 && it.stream().front().time == engineTick + 1 && it.maxEarly == 3000);
         stand.occupied = true;  // by the next one
         EXPECT_TRUE(reportAt(it, 175));
         EXPECT_TRUE(stand.occupied);

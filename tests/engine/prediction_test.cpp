@@ -23,8 +23,8 @@ class Prediction : public MotionTest {
     }
     static LiveAc& taxi(double speed) {
         LiveAc& record = flight(speed);
-        record.stream.front() = groundReport(home, speed, 90);
-        record.stream.front().time = 3000;
+        record.stream().front() = groundReport(home, speed, 90);
+        record.stream().front().time = 3000;
         record.onGround = true;
         record.stage = FlightStage::taxi;
         return record;
@@ -33,8 +33,8 @@ class Prediction : public MotionTest {
     static std::vector<LivePos> toTheEnd(LiveAc& record) {
         std::vector<LivePos> points;
         while (lf_extendStream(record)) {
-            points.push_back(record.stream.back());
-            record.stream.pop_front();
+            points.push_back(record.stream().back());
+            record.stream().pop_front();
         }
         return points;
     }
@@ -57,7 +57,7 @@ TEST_F(Prediction, InTheAir) {
 
     LiveAc& final = flight(150);
     final.landing = true;
-    final.stream.front().alt = 100;
+    final.stream().front().alt = 100;
     points = toTheEnd(final);
     EXPECT_NEAR(points[4].speed, 150 * std::pow(0.9, 5), 1e-9);
     EXPECT_EQ(points[5].speed, points[4].speed);
@@ -78,7 +78,7 @@ TEST_F(Prediction, RunsOnTheGround) {
     EXPECT_EQ(points[5].vs, 2400);
     LiveAc& rollout = taxi(140);
     rollout.rollout = true;
-    rollout.stream.front().alt = 1400;  // as a point from a new object has it
+    rollout.stream().front().alt = 1400;  // as a point from a new object has it
     points = toTheEnd(rollout);
     EXPECT_EQ(speeds(points), (std::vector<double>{100, 80, 60, 30, 20, 20, 20, 20, 20, 20}));
     EXPECT_FALSE(points[0].airborne);
@@ -97,8 +97,8 @@ TEST_F(Prediction, AParkedAircraftStandsForAWeek) {
     parked.parkedMoving = true;
     parked.standId = 1;
     ASSERT_TRUE(lf_extendStream(parked));
-    EXPECT_TRUE(parked.stream[1].stopped);
-    EXPECT_EQ(parked.stream[1].time, 3000 + 60480000);
+    EXPECT_TRUE(parked.stream()[1].stopped);
+    EXPECT_EQ(parked.stream()[1].time, 3000 + 60480000);
     EXPECT_FALSE(parked.parkedMoving);
     EXPECT_FALSE(stands[0].occupied);
     EXPECT_FALSE(lf_extendStream(parked));

@@ -72,7 +72,7 @@ TEST_F(Removal, LeavesNoObjectAndNoRecordBehind) {
 
 TEST_F(Removal, ALostFeedClearsTheSky) {
     test::QueueSimulator simulator;
-    buffered(20001, "A").stream.front().time = 100000;
+    buffered(20001, "A").stream().front().time = 100000;
     active(20002, "B", 900);
     buffered(20003, "BAW3");
     simulator.objects[900] = {20002, "B", 0, true};

@@ -26,12 +26,12 @@ TEST_F(Respawn, TheStreamGoesOnFromThePresentPose) {
     it.simBank = 0.1;
     it.simHeading = 1.25;
     liveryRespawn(it);
-    ASSERT_EQ(it.stream.size(), 3u);
-    EXPECT_EQ(it.stream[0].lat, 51.002);
-    EXPECT_EQ(it.stream[0].alt, 29000);
-    EXPECT_EQ(it.stream[0].roll, 0.1);
-    EXPECT_EQ(it.stream[0].time, 501);
-    EXPECT_FALSE(it.stream[1].stopped);
+    ASSERT_EQ(it.stream().size(), 3u);
+    EXPECT_EQ(it.stream()[0].lat, 51.002);
+    EXPECT_EQ(it.stream()[0].alt, 29000);
+    EXPECT_EQ(it.stream()[0].roll, 0.1);
+    EXPECT_EQ(it.stream()[0].time, 501);
+    EXPECT_FALSE(it.stream()[1].stopped);
     EXPECT_EQ(it.respawnHeading, 1.25);
     EXPECT_EQ(removalQueue, (std::deque<uint32_t>{1001}));
     it.throttleIdx = it.flapsIdx = 1;
@@ -50,17 +50,18 @@ TEST_F(Respawn, OnTheDateLineItStandsWhereItsPointIs) {
     LiveAc& it = active(anyHexid, "BAW12", 1001, {51, 180});
     it.simLon = -180;
     liveryRespawn(it);
-    EXPECT_TRUE(it.stream[1].stopped);
+    EXPECT_TRUE(it.stream()[1].stopped);
 }
 
 TEST_F(Respawn, AParkedAircraftComesBackAsItStood) {
     LiveAc& it = active(anyHexid, "BAW12", 1001);
     it.stage = FlightStage::parked;
     it.simHeading = pi / 2;
-    it.stream = {test::groundPoint({51, 1}, 0), test::groundPoint({51, 1}, 0), test::groundPoint({51, 1}, 0)};
+    it.stream() = {test::groundPoint({51, 1}, 0), test::groundPoint({51, 1}, 0),
+                   test::groundPoint({51, 1}, 0)};
     liveryRespawn(it);
-    ASSERT_EQ(it.stream.size(), 2u);
-    for (const LivePos& point : it.stream) {
+    ASSERT_EQ(it.stream().size(), 2u);
+    for (const LivePos& point : it.stream()) {
         EXPECT_TRUE(point.stopped);
         EXPECT_EQ(point.track, 90);
     }
@@ -72,7 +73,7 @@ TEST_F(Respawn, AParkedAircraftComesBackAsItStood) {
 
 TEST_F(Respawn, AnEmptyStreamIsToldAndLeavesTheAircraft) {
     LiveAc& it = active(anyHexid, "BAW12", 1001);
-    it.stream.clear();
+    it.stream().clear();
     liveryRespawn(it);
     EXPECT_TRUE(test::logHas("liveryRespawn: "));
     EXPECT_TRUE(removalQueue.empty());

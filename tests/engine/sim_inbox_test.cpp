@@ -194,10 +194,10 @@ TEST_F(SimInbox, FirstConfiguration) {
         it.category = gf_category(c.type);
         it.stage = c.stage;
         it.simAlt = c.alt;
-        it.stream.front().airborne = c.stage == FlightStage::flying;
+        it.stream().front().airborne = c.stage == FlightStage::flying;
         identify(1001);
         Words want = c.before;
-        const bool gear = !it.stream.front().airborne && it.category != AcCategory::Rotorcraft;
+        const bool gear = !it.stream().front().airborne && it.category != AcCategory::Rotorcraft;
         EXPECT_EQ(events(), (gear ? Words{"219=1"} : Words{})) << c.what;
         eventQueue.clear();
         it.agl = c.agl;

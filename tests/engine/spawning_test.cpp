@@ -81,26 +81,27 @@ TEST_F(Spawning, Ladder) {
     } cases[] = {
         {"in order", [](auto&) {}, Fate::spawns},
         {"already flagged", [](auto& r) { r.eraseNow = true; }, Fate::erased},
-        {"no point", [](auto& r) { r.stream.clear(); }, Fate::erased},
-        {"one point, due", [](auto& r) { r.stream.pop_back(); }, Fate::erased},
-        {"one point, not due", [](auto& r) { r.stream.pop_back(), r.stream[0].time = 1101; }, Fate::waits},
-        {"airborne, 1 s before its time", [](auto& r) { r.stream[0].time = 1100; }, Fate::spawns},
-        {"airborne, more than 1 s before", [](auto& r) { r.stream[0].time = 1101; }, Fate::waits},
+        {"no point", [](auto& r) { r.stream().clear(); }, Fate::erased},
+        {"one point, due", [](auto& r) { r.stream().pop_back(); }, Fate::erased},
+        {"one point, not due", [](auto& r) { r.stream().pop_back(), r.stream()[0].time = 1101; },
+         Fate::waits},
+        {"airborne, 1 s before its time", [](auto& r) { r.stream()[0].time = 1100; }, Fate::spawns},
+        {"airborne, more than 1 s before", [](auto& r) { r.stream()[0].time = 1101; }, Fate::waits},
         {"rolling, 3 s before its time",
          [](auto& r) {
-             r.stream = {test::groundPoint({51, 1}, 5, 1300), test::groundPoint({51, 1.01}, 5, 1400)};
+             r.stream() = {test::groundPoint({51, 1}, 5, 1300), test::groundPoint({51, 1.01}, 5, 1400)};
          },
          Fate::spawns},
         {"standing, 3 s before its time",
          [](auto& r) {
-             r.stream = {test::groundPoint({51, 1}, 0, 1300), test::groundPoint({51, 1.01}, 5, 1400)};
+             r.stream() = {test::groundPoint({51, 1}, 0, 1300), test::groundPoint({51, 1.01}, 5, 1400)};
          },
          Fate::waits},
         {"a ghost that was replaced", [](auto& r) { lf_setCallsign(r, "BAW9_"), ghostList = {"BAW9_"}; },
          Fate::erased},
         {"a ghost whose aircraft is here", [](auto& r) { lf_setCallsign(r, "BAW8_"); }, Fate::erased},
         {"a ghost alone", [](auto& r) { lf_setCallsign(r, "BAW9_"); }, Fate::spawns},
-        {"ground and air", [](auto& r) { r.stream[1].airborne = false; }, Fate::pointDropped},
+        {"ground and air", [](auto& r) { r.stream()[1].airborne = false; }, Fate::pointDropped},
         {"11 in the queue and on the stack",
          [](auto&) {
              creationQueueLive.resize(5);
@@ -133,11 +134,11 @@ TEST_F(Spawning, Ladder) {
         active(20008, "BAW8", 1008);
         LiveAc& it = buffered(anyHexid, "BAW12");
         c.change(it);
-        const size_t points = it.stream.size();
+        const size_t points = it.stream().size();
         lf_handleBuffer(it);
         const Fate fate = it.eraseNow                        ? Fate::erased
                           : it.simState == State::adding2sim ? Fate::spawns
-                          : it.stream.size() + 1 == points   ? Fate::pointDropped
+                          : it.stream().size() + 1 == points ? Fate::pointDropped
                                                              : Fate::waits;
         EXPECT_EQ(fate, c.fate) << c.what;
         EXPECT_EQ(unmatchedKeys.contains("XYZ A320 X-1"), std::string(c.what) == "no livery");
@@ -175,7 +176,7 @@ TEST_F(Spawning, AtTheLimitTheFarthestMakesRoom) {
         active(20001, "BAW1", 1001, {51, 0.5});
         active(20002, "BAW2", 1002, {51, 2});
         addingStack = {99};
-        buffered(20009, "BAW9", {51, 5}).stream.front().time = 100000;  // does not count
+        buffered(20009, "BAW9", {51, 5}).stream().front().time = 100000;  // does not count
         LiveAc& it = buffered(anyHexid, "BAW12", {51, c.lon});
         lf_handleBuffer(it);
         EXPECT_EQ(it.eraseNow, !c.comes) << c.lon;
@@ -196,8 +197,8 @@ TEST_F(Spawning, FirstPose) {
     for (const auto& c : cases) {
         lf_clearLive();
         LiveAc& it = buffered(anyHexid, "BAW12");
-        it.stream[0].vs = c.vs;
-        it.stream[0].roll = 0.2;
+        it.stream()[0].vs = c.vs;
+        it.stream()[0].roll = 0.2;
         lf_handleBuffer(it);
         EXPECT_NEAR(toDeg(it.simPitch), c.pitch, 1e-9) << c.vs;
         EXPECT_EQ(it.simBank, 0.2);
@@ -207,15 +208,16 @@ TEST_F(Spawning, FirstPose) {
     }
     lf_clearLive();
     LiveAc& it = buffered(anyHexid, "BAW12");
-    it.stream = {test::groundPoint({51, 1}, 4), test::groundPoint({51, 1}, 3), test::groundPoint({51, 1}, 2)};
-    it.stream[1].stopped = it.stream[2].stopped = true;
-    it.stream[0].track = 370;
+    it.stream() = {test::groundPoint({51, 1}, 4), test::groundPoint({51, 1}, 3),
+                   test::groundPoint({51, 1}, 2)};
+    it.stream()[1].stopped = it.stream()[2].stopped = true;
+    it.stream()[0].track = 370;
     lf_handleBuffer(it);
     EXPECT_EQ(it.stage, FlightStage::taxi);
     EXPECT_NEAR(toDeg(it.simPitch), 0.6, 1e-9);
     EXPECT_NEAR(toDeg(it.simHeading), 10, 1e-9);
-    EXPECT_TRUE(it.stream[0].stopped);
-    EXPECT_EQ(it.stream[0].speed + it.stream[1].speed + it.stream[2].speed, 0);
+    EXPECT_TRUE(it.stream()[0].stopped);
+    EXPECT_EQ(it.stream()[0].speed + it.stream()[1].speed + it.stream()[2].speed, 0);
 }
 
 TEST_F(Spawning, AnAircraftThatComesBackHasItsLivery) {

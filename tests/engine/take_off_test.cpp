@@ -128,12 +128,12 @@ TEST_F(TakeOff, WhenTheNoseComesUp) {
         record.departing = true;
         record.derotating = true;
         record.flareState = 4;
-        record.stream.front().airborne = c.frontAirborne;
+        record.stream().front().airborne = c.frontAirborne;
         for (const Point& point : c.later) {
             LivePos pos = airReport(aimPoint, point.speed, 90, 112);
             pos.airborne = point.airborne;
             pos.vs = point.vs;
-            record.stream.push_back(pos);
+            record.stream().push_back(pos);
         }
         lf_rotationTest(record, 200);
         EXPECT_EQ(record.stage == FlightStage::take_off, c.rotates);

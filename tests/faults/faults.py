@@ -14,7 +14,7 @@ import sys
 import tempfile
 
 KINDS = {"parameters": "config/Skylantern/parameters.xml", "liveries": "output/LiveriesScanned.xml",
-         "airport": "learned.xml", "airports": "airports/my_park_airports.txt", "text": "text.txt"}
+         "airport": "learned.xml", "generated": "airports/EGLL.xml", "airports": "airports/my_park_airports.txt", "text": "text.txt"}
 MARK = "getppid"
 # What a full disk, a folder that must not be written to, a worn-out disk and too many open files answer.
 ERRORS = {"openat": ["EACCES", "EROFS", "ENOSPC", "EMFILE"], "write": ["ENOSPC", "EIO"], "fsync": ["EIO", "ENOSPC"],

@@ -1,14 +1,16 @@
 // Saves one of the program's files once, between two calls of the system that nothing else here makes, so
-// that a tracer knows which calls belong to the save: saver KIND old|new. Exit status 0 when the program says
-// it saved.
+// that a tracer knows which calls belong to the save: saver KIND old|new. Exit status 0 whether it was saved
+// or not: a save that fails ends nothing.
 #include <sys/types.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <string>
 
+#include "airports/addon_scan.h"
 #include "airports/airport_file.h"
 #include "core/folders.h"
 #include "core/log.h"
@@ -88,6 +90,15 @@ int main(int argc, char** argv) {
         save = [] { gf_writeLiveriesFile(); };
     } else if (kind == "airport") {
         save = [&] { gf_writeApf(airport(isNew), "learned.xml", ApfMode::learned); };
+    } else if (kind == "generated") {
+        save = [&] {
+            const AirportFile file = airport(isNew);
+            const auto write = [&file](const std::filesystem::path& path) {
+                return gf_writeApf(file, path, ApfMode::generated);
+            };
+            // The line is told by the scan, and the last call of the save is the renaming.
+            if (lf_keepGenerated(file, "airports/EGLL.xml", write)) gf_log("generated");
+        };
     } else if (kind == "airports") {
         prepare = [&] { lf_promoteParkAirport("EGLL", filling(isNew), {51, 0}); };
         save = [] { lf_storeParkAirport("EGLL"); };

@@ -193,6 +193,9 @@ TEST_F(TrafficDecoderTest, EachBadFieldIsLoggedWithItsText) {
         {{{23, ""}}, "roll:"},
         {{{20, "1e999"}}, "TAS incorrect1e999"},
         {{{20, std::string("\0\n\x01", 3)}}, "TAS incorrect..."},
+        {{{9, "SWR1\n12:00 a line of its own"}}, "control characters: SWR1.12:00 a line"},
+        {{{11, "HB\x1b[2J"}}, "control characters: HB.[2J"},
+        {{{13, std::string("EG\0LL", 5)}}, "control characters: EG.LL"},
     };
     for (const auto& [changes, text] : cases) {
         const uint64_t before = feedCounters.badRecords;

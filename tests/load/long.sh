@@ -19,7 +19,7 @@ printf 'A simulated day, %s\theap at hour 24 within 1 percent of hour 2\t%s\t%s\
 load() {
     local name=$1
     shift
-    rm -f "$work/$name/rows.json"
+    rm -rf "${work:?}/$name" # rows of a run before must not stand for one that failed
     unshare -n bash -c 'ip link set lo up; exec "$@"' sh python3 "$here/load.py" --build "$build" --folder "$work/$name" \
         "$@" >"$work/$name.txt" || true
 }

@@ -121,7 +121,7 @@ TEST_F(Learning, AStoryWithoutAStand) {
         LiveAc& it = aircraft(Stage::flying);
         it.onGround = false;
         it.predictLeft = -1;  // the stream has ended
-        it.stream.front().time = engineTick;
+        it.stream().front().time = engineTick;
         gf_storeNow({1, 0});
         LEARN_SOFT.value = reason != 0;
         learningAllowed = reason != 1;
@@ -209,8 +209,8 @@ TEST_F(Learning, EachVisitKnowsMoreThanTheLast) {
         it.simState = SimObjectState::buffer;
         it.airline.clear();
         it.title = "A320 SWR";
-        it.stream.assign(2, groundReport({52, 4}, 0));
-        it.stream[1].stopped = true;
+        it.stream().assign(2, groundReport({52, 4}, 0));
+        it.stream()[1].stopped = true;
         spawnLiveAc(it);
         EXPECT_TRUE(!lf_rateOk({day, 22}, flownHexid) && lf_rateOk({day, 23}, flownHexid));
         LiveAc& other = aircraft(Stage::taxi, 20001);

@@ -84,8 +84,8 @@ TEST_F(UserStandTest, TheStandKeptForTheUserIsCleared) {
         record.stage = FlightStage::parked;
         record.standId = sid;
     }
-    staticAcs = {{{.objectId = 7, .standId = 2, .simState = SimObjectState::active}},
-                 {{.objectId = 8, .standId = 1, .simState = SimObjectState::active}}};
+    staticAcs = {{{.standId = 2, .objectId = 7, .simState = SimObjectState::active}},
+                 {{.standId = 1, .objectId = 8, .simState = SimObjectState::active}}};
     for (const auto& gone : std::vector<std::deque<uint32_t>>{{8}, {8, 101}, {8, 101}}) {
         lf_clearReservedStand();
         EXPECT_EQ(removalQueue, gone);
@@ -109,6 +109,9 @@ TEST_F(UserStandTest, TheListReadAgain) {
     const std::string okay = "park airports and stands are okay";
     EXPECT_EQ(message("EHRD\nEHAM,A2\n", elsewhere), "reserved stand changed from 'A1' to 'A2'");
     EXPECT_EQ(reservedStand, "A2");
+    EXPECT_TRUE(g_panel.reservedStandOk);
+    EXPECT_EQ(message("EHAM,B9\n", elsewhere), "reserved stand changed from 'A1' to 'B9'");
+    EXPECT_FALSE(g_panel.reservedStandOk) << "a slip of the pen: the panel shows it in red";
     EXPECT_EQ(message("EHRD\nEHAM,A1\n", elsewhere), okay);
     EXPECT_EQ(message("EHRD\nEHAM\n", elsewhere), okay);
     EXPECT_EQ(message("EHAM,A2\n", a1), okay) << "the user stands on one";

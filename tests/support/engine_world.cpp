@@ -103,7 +103,8 @@ LiveAc& EngineTest::buffered(uint32_t hexid, const std::string& callsign, LaLo p
     record.callsign = callsign;
     record.model = "A320";
     gf_fillTypeValues(record);
-    record.stream = {airPoint(place, engineTick), airPoint({place.lat, place.lon + 0.1}, engineTick + 5000)};
+    record.stream() = {airPoint(place, engineTick),
+                       airPoint({place.lat, place.lon + 0.1}, engineTick + 5000)};
     return lf_addLive(std::move(record));
 }
 
@@ -115,7 +116,7 @@ LiveAc& EngineTest::active(uint32_t hexid, const std::string& callsign, uint32_t
     record.title = "A320 BAW";
     record.simLat = place.lat;
     record.simLon = place.lon;
-    record.stream.front().time = engineTick + 4000;
+    record.stream().front().time = engineTick + 4000;
     lf_setObjectId(record, objectId);
     return record;
 }

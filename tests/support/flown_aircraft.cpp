@@ -86,14 +86,14 @@ LiveAc& addFlying(LivePos first, AcCategory category, uint32_t hexid) {
     record.simHeading = toRad(first.track);
     record.lastFeedTime = feedTimeNow();
     first.time = engineTick + 3000;
-    record.stream.push_back(first);
+    record.stream().push_back(first);
     return lf_addLive(record);
 }
 
 bool report(LivePos pos, uint32_t hexid) {
     const LiveAc* before = lf_findLive(hexid);
-    const size_t size = before ? before->stream.size() : 0;
-    const int32_t end = size > 0 ? before->stream.back().time : 0;
+    const size_t size = before ? before->stream().size() : 0;
+    const int32_t end = size > 0 ? before->stream().back().time : 0;
     TrafficUpdate update;
     update.hexid = hexid;
     if (before) {
@@ -105,7 +105,7 @@ bool report(LivePos pos, uint32_t hexid) {
     update.feedTime = feedTimeNow();
     lf_decodeUpdate(update);
     const LiveAc* after = lf_findLive(hexid);
-    return after && (after->stream.size() != size || (size > 0 && after->stream.back().time != end));
+    return after && (after->stream().size() != size || (size > 0 && after->stream().back().time != end));
 }
 
 std::vector<PosEntry> tick() {
@@ -126,7 +126,7 @@ FlightLog fly(const Path& path, double seconds, double interval, const std::func
         LiveAc* record = lf_findLive(flownHexid);
         if (!record || record->simState != SimObjectState::active) break;
         const int32_t now = engineTick;
-        if (now >= record->stream.front().time) {
+        if (now >= record->stream().front().time) {
             if (lastSetUp >= 0) log.shortestSegment = std::min(log.shortestSegment, now - lastSetUp);
             lastSetUp = now;
             ++log.segments;
@@ -135,7 +135,7 @@ FlightLog fly(const Path& path, double seconds, double interval, const std::func
             if (pose.objectId != record->objectId) continue;
             if (!log.poses.empty()) {
                 const PosEntry& before = log.poses.back();
-                const double speed = std::max({record->stream.front().speed, pose.tas, 1.0});
+                const double speed = std::max({record->stream().front().speed, pose.tas, 1.0});
                 const double way = gf_distanceNm({before.lat, before.lon}, {pose.lat, pose.lon});
                 log.worstStep = std::max(log.worstStep, way / (speed / 360000));
                 log.worstLonStep = std::max(log.worstLonStep, std::abs(wrapLon(pose.lon - before.lon)));
