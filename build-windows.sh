@@ -70,7 +70,9 @@ if [ $tests$bench != OFFOFF ]; then
     wineboot -i >/dev/null 2>&1
 fi
 if [ $tests = ON ]; then
-    (cd $build && xvfb-run -a ctest --output-on-failure --timeout 240 -j 2)
+    # The desktop of wine must begin on the screen that the windows of the tests are to open on.
+    (cd $build && xvfb-run -a bash -c \
+        'wineserver -k; wineboot -i >/dev/null 2>&1; ctest --output-on-failure --timeout 240 -j 2')
     cmake --preset debug >/dev/null
     cmake --build --preset debug --target simulator realtraffic | tail -n 1
     env -u WINEPREFIX python3 tests/e2e/windows.py "dist/$name.zip" build/debug

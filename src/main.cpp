@@ -3,9 +3,10 @@
 #include <fmt/format.h>
 
 #include <clocale>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <optional>
+#include <stdexcept>
 #include <system_error>
 
 #include "core/clock.h"
@@ -20,6 +21,7 @@
 #include "panel/console.h"
 #include "panel/panel_window.h"
 #include "platform/system.h"
+#include "platform/window.h"
 
 namespace {
 
@@ -31,6 +33,17 @@ bool makeProgramFolder() {
     if (!error) return true;
     skl::gf_log(fmt::format("Failed to create directory: {}", skl::gf_pathText(folder)));
     return false;
+}
+
+/// False without a log: then there is nothing that could tell the user what goes on.
+bool startLog() {
+    try {
+        skl::gf_startLog();
+        return true;
+    } catch (const std::runtime_error& failure) {
+        skl::platform::tellLastWords(failure.what());
+        return false;
+    }
 }
 
 void superviseWithWindow(skl::PanelWindow& window) {
@@ -51,10 +64,16 @@ int main() {
     std::setlocale(LC_NUMERIC, "C");
     const auto instance = skl::platform::lockSingleInstance(skl::programName);
     if (!instance) return -1;
-    skl::gf_startLog();
+    if (!startLog()) return EXIT_FAILURE;
     if (!makeProgramFolder()) return 0;
     skl::platform::watchStopSignals(skl::gf_closeButton);
     const auto window = skl::PanelWindow::open();
+    if (!window && skl::platform::displayAvailable()) {
+        // To run where nobody sees it would be worse.
+        skl::gf_log("initInstance failed");
+        skl::platform::stopWatchingSignals();
+        return 0;
+    }
     skl::gf_postStartRun();
     if (window)
         superviseWithWindow(*window);

@@ -61,15 +61,16 @@ std::string findIn(const fs::path& folder, const std::string& code) {
     return exists(generated) ? generated : std::string();
 }
 
-bool isControl(char c) {
-    return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
+/// Whether the system takes it in a name; on Windows a colon would even begin the name of something else.
+bool fitsName(char c) {
+    constexpr std::string_view never = fs::path::preferred_separator == '\\' ? "/\\<>:\"|?*" : "/\\";
+    return static_cast<unsigned char>(c) >= 0x20 && c != 0x7f && never.find(c) == std::string_view::npos;
 }
 
 /// As the name of one folder: a publisher comes out of a file that anybody may have written.
 std::string cleanPublisher(std::string_view publisher) {
     std::string name;
-    std::copy_if(publisher.begin(), publisher.end(), std::back_inserter(name),
-                 [](char c) { return c != '/' && c != '\\' && !isControl(c); });
+    std::copy_if(publisher.begin(), publisher.end(), std::back_inserter(name), fitsName);
     for (size_t at = 0; (at = name.find("..")) != std::string::npos;) name.erase(at, 2);
     name = gf_trim(name);
     return name == "." ? std::string() : name;

@@ -57,10 +57,15 @@ fs::path gf_programDataPath() {
     return gf_appDataPath() / programName;
 }
 
+std::string gf_beforeSeparator(std::string_view path, size_t at) {
+    const bool root = at == 0 || path[at - 1] == ':';
+    return std::string(path.substr(0, root ? at + 1 : at));
+}
+
 fs::path gf_nativePath(std::string_view text) {
     std::string native(text);
     if constexpr (fs::path::preferred_separator == '/') std::replace(native.begin(), native.end(), '\\', '/');
-    return fs::path(std::u8string(native.begin(), native.end()));
+    return gf_pathFromText(native);
 }
 
 fs::path gf_findExisting(const fs::path& path) {
@@ -98,9 +103,7 @@ void gf_stripCommunity() {
     path.erase(path.find_last_not_of(separators) + 1);
     const size_t last = path.find_last_of(separators);
     if (last == std::string::npos || path.substr(last + 1) != paths::community) return;
-    // The root itself keeps its separator.
-    path.erase(std::max<size_t>(last, 1));
-    parameter.set(path);
+    parameter.set(gf_beforeSeparator(path, last));
     gf_saveParameter(parameter);
 }
 

@@ -50,6 +50,8 @@ fs::path gf_localAppDataPath();
 /// The program's folder under the roaming application data; parameters.xml lives there.
 fs::path gf_programDataPath();
 
+/// What stands before the separator at `at`; a root, of a drive too, keeps its separator.
+std::string gf_beforeSeparator(std::string_view path, size_t at);
 /// A path out of a text that may have been written on another system: both separators are understood.
 fs::path gf_nativePath(std::string_view text);
 /// `path` if it exists, else the only existing path that equals it without case (ASCII), else `path` as it

@@ -35,6 +35,11 @@ void gf_postEndProcess() {
     requestCame.notify_one();
 }
 
+bool gf_waitForRunEnd(std::chrono::milliseconds patience) {
+    std::unique_lock guard(requestLock);
+    return requestCame.wait_for(guard, patience, [] { return runWanted || endWanted; });
+}
+
 void gf_superviseRuns(const std::function<void()>& run, const std::function<void()>& idle,
                       const std::function<void(std::chrono::milliseconds)>& pump) {
     std::thread worker;

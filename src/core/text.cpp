@@ -96,7 +96,15 @@ std::string gf_pathText(const std::filesystem::path& path) {
 }
 
 std::filesystem::path gf_pathFromText(std::string_view utf8) {
-    return std::u8string(utf8.begin(), utf8.end());
+    try {
+        return std::u8string(utf8.begin(), utf8.end());
+    } catch (const std::exception&) {
+        // Bytes of a code page, where names are UTF-16. No file is called like this, and none is made.
+        std::u8string text(utf8.begin(), utf8.end());
+        for (char8_t& unit : text)
+            if (unit >= 0x80) unit = u8'?';
+        return text;
+    }
 }
 
 std::optional<double> gf_readNumber(std::string_view text) {

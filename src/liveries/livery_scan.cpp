@@ -59,8 +59,8 @@ struct CollectProblem : std::runtime_error {
 };
 
 bool isAircraftCfg(std::string_view path) {
-    constexpr auto separator = static_cast<char>(fs::path::preferred_separator);
-    return gf_equalsUpper(path.substr(path.rfind(separator) + 1), "AIRCRAFT.CFG");
+    constexpr std::string_view separators = fs::path::preferred_separator == '/' ? "/" : "/\\";
+    return gf_equalsUpper(path.substr(path.find_last_of(separators) + 1), "AIRCRAFT.CFG");
 }
 
 void collectReady(Pool& pool) {

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <vector>
 
+#include "core/log.h"
 #include "core/messages.h"
 #include "core/parameter_store.h"
 #include "core/parameters.h"
 #include "core/run_state.h"
+#include "core/supervisor.h"
 #include "panel/commands.h"
 #include "panel/control_table.h"
 #include "panel/paint.h"
@@ -29,11 +31,18 @@ struct Shown {
     uint32_t refreshes;
 };
 
-platform::WindowEvents events() {
+/// Below the 5 s after which a program counts as hanging at the session's end.
+constexpr std::chrono::milliseconds sessionPatience{4000};
+
+platform::WindowEvents events(PanelWindow& panel) {
     return {
         [](platform::Canvas& canvas, const platform::Rect& area) { lf_paint(gf_panelView(), canvas, area); },
-        gf_controlClicked, gf_controlSelected,
-        [](int id, const std::string& text) { gf_controlEntered(id, text); }, gf_closeButton};
+        gf_controlClicked,
+        gf_controlSelected,
+        [](int id, const std::string& text) { gf_controlEntered(id, text); },
+        gf_closeButton,
+        [&panel] { panel.endWithSession(); },
+        [&panel] { panel.showChanges(); }};
 }
 
 }  // namespace
@@ -55,7 +64,7 @@ std::unique_ptr<PanelWindow> PanelWindow::open() {
     std::unique_ptr<PanelWindow> panel(new PanelWindow);
     Parts& parts = *panel->parts_;
     parts.window = platform::openWindow(std::string(programName), MAIN_WINDOW_X.value, MAIN_WINDOW_Y.value,
-                                        std::move(specs), events());
+                                        std::move(specs), events(*panel));
     if (!parts.window) return nullptr;
     for (const PanelControl& control : gf_panelControls()) {
         parts.shown.push_back({&control, gf_controlState(control), control.parameter.refreshes});
@@ -66,6 +75,10 @@ std::unique_ptr<PanelWindow> PanelWindow::open() {
 
 void PanelWindow::serve(std::chrono::milliseconds patience) {
     parts_->window->pump(patience);
+    showChanges();
+}
+
+void PanelWindow::showChanges() {
     for (Shown& shown : parts_->shown) {
         auto state = gf_controlState(*shown.control);
         const uint32_t refreshes = shown.control->parameter.refreshes;
@@ -85,6 +98,13 @@ void PanelWindow::serve(std::chrono::milliseconds patience) {
 
 uint64_t PanelWindow::repaints() const {
     return parts_->window->paints();
+}
+
+void PanelWindow::endWithSession() {
+    gf_log("The user's session ends");
+    gf_closeButton();
+    gf_waitForRunEnd(sessionPatience);
+    storePlace();
 }
 
 void PanelWindow::storePlace() {

@@ -58,7 +58,8 @@ void lf_newSimPath(StringParameter& pathParam, const std::string& text) {
         return;
     }
     std::string path = text;
-    path.erase(std::max<size_t>(path.find_last_not_of(separators) + 1, 1));
+    if (const size_t end = path.find_last_not_of(separators) + 1; end < path.size())
+        path = gf_beforeSeparator(path, end);
     if (!isThere(gf_findExisting(gf_nativePath(path)))) {
         gf_showMessage(fmt::format("This install path does not exist: {}", text), true);
         return;
@@ -72,9 +73,10 @@ void lf_newSimPath(StringParameter& pathParam, const std::string& text) {
             gf_showMessage("This path exists but is not a path to Community ...", true);
         return;
     }
-    if (last == std::string::npos || !holdsCommunity(path.substr(0, std::max<size_t>(last, 1))))
+    const std::string packages = last == std::string::npos ? std::string() : gf_beforeSeparator(path, last);
+    if (packages.empty() || !holdsCommunity(packages))
         throw std::runtime_error(fmt::format("lf_newSimPath: no folder holds {}", path));
-    restartForPath(pathParam, path.substr(0, std::max<size_t>(last, 1)));
+    restartForPath(pathParam, packages);
 }
 
 }  // namespace skl

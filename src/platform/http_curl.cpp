@@ -40,6 +40,9 @@ void setOptions(Transfer& transfer) {
     curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, onHeader);
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, &transfer);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+    // Of Windows alone: a list of withdrawn certificates that cannot be had is no reason to refuse a good
+    // one.
+    curl_easy_setopt(easy, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_REVOKE_BEST_EFFORT));
 #if LIBCURL_VERSION_NUM >= 0x075700
     // An ended transfer does not wait for a name that is still being looked up.
     curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);

@@ -30,6 +30,9 @@ std::unique_ptr<InstanceLock> lockSingleInstance(std::string_view name);
 /// the old file stays, nothing is left beside it, and `error` holds the system's text.
 bool replaceFile(const std::filesystem::path& path, std::string_view content, std::string& error);
 
+/// Why the program cannot even start, to a user who has no log and no panel yet: a box, or standard error.
+void tellLastWords(std::string_view text);
+
 /// The system's number for why the last opening of a file on this thread failed.
 int lastFileError();
 

@@ -13,6 +13,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <fstream>
+#include <iostream>
 #include <system_error>
 #include <thread>
 
@@ -123,6 +124,10 @@ std::unique_ptr<InstanceLock> lockSingleInstance(std::string_view name) {
         return nullptr;
     }
     return std::make_unique<FileLock>(descriptor);
+}
+
+void tellLastWords(std::string_view text) {
+    std::cerr << text << std::endl;
 }
 
 int lastFileError() {

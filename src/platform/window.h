@@ -40,6 +40,10 @@ struct WindowEvents {
     std::function<void(int id, int index)> selected;
     std::function<void(int id, const std::string& text)> entered;  ///< Enter in an edit
     std::function<void()> closed;                                  ///< the close button
+    /// The user's session ends, and the process with it as soon as this returns; it has some 5 s.
+    std::function<void()> sessionEnds;
+    /// Some 20 times a second while the system itself holds `pump` up, as for a window that is being dragged.
+    std::function<void()> heldUp;
 };
 
 class Window {

@@ -214,6 +214,16 @@ TEST_F(LearnedFileTest, GeneratedAndHandmadeFilesHoldStandsInFull) {
     EXPECT_FALSE(gf_writeApf(saved, "no/such/folder.xml", ApfMode::learned));
 }
 
+#ifdef _WIN32
+TEST_F(LearnedFileTest, NoNameLeadsToAnotherDriveOrStream) {
+    EXPECT_EQ(gf_learnedPath("airports/my_thirdparty/EHAM.xml", "Zeta: \"Big|Small\"").generic_string(),
+              "airports/learned/thirdparty/Zeta BigSmall/EHAM.xml");
+    test::writeFile("airports/my_thirdparty/EHAM.txt", "C:\\elsewhere\\EHAM.xml");
+    EXPECT_EQ(gf_findAirportFile("EHAM"), "");
+    EXPECT_TRUE(test::logHas("leads out of the archive"));
+}
+#endif
+
 }  // namespace
 
 }  // namespace skl::test

@@ -67,6 +67,7 @@ TEST_F(Folders, TheCommunityFolderIsCutOffTheInstallPath) {
         {"D:\\Community\\X", "D:\\Community\\X"},
         {"D:\\Packages\\", "D:\\Packages\\"},
         {"D:\\MyCommunity", "D:\\MyCommunity"},
+        {"E:\\Community", "E:\\"},
         {"/Community", "/"},
         {"Community", "Community"},
         {"/", "/"},

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <thread>
 
 namespace skl {
 namespace {
@@ -33,6 +35,28 @@ TEST(Supervisor, ThreadsNoRunStartsAfterTheEndWasAskedFor) {
     std::atomic<bool> ran{false};
     gf_superviseRuns([&] { ran = true; }, {});
     EXPECT_FALSE(ran);
+}
+
+TEST(Supervisor, ThreadsTheEndOfARunIsWaitedForFromWithin) {
+    using std::chrono::milliseconds;
+    std::atomic<bool> mayEnd{false}, ended{false};
+    int pumps = 0;
+    gf_postStartRun();
+    gf_superviseRuns(
+        [&] {
+            while (!mayEnd) std::this_thread::yield();
+            ended = true;
+            gf_postEndProcess();
+        },
+        {},
+        [&](milliseconds) {
+            if (++pumps != 2) return;  // the first pump comes before the run
+            EXPECT_FALSE(gf_waitForRunEnd(milliseconds(1)));
+            mayEnd = true;
+            EXPECT_TRUE(gf_waitForRunEnd(milliseconds(10000)));
+            EXPECT_TRUE(ended);
+        });
+    EXPECT_EQ(pumps, 2);
 }
 
 }  // namespace

@@ -21,10 +21,10 @@ using platform::Handle;
 
 class PipeServer {
   public:
-    PipeServer()
+    explicit PipeServer(DWORD type = PIPE_TYPE_BYTE)
         : name_(fmt::format(R"(\\.\pipe\skl-test-{}\SimConnect)", ::GetCurrentProcessId())),
-          pipe_(::CreateNamedPipeA(name_.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_WAIT, 1, 4096,
-                                   4096, 0, nullptr)) {}
+          pipe_(::CreateNamedPipeA(name_.c_str(), PIPE_ACCESS_DUPLEX, type | PIPE_WAIT, 1, 4096, 4096, 0,
+                                   nullptr)) {}
 
     const std::string& name() const { return name_; }
     bool accept() {
@@ -107,6 +107,38 @@ TEST(PipeWin32, BytesGoBothWaysAndNothingWaits) {
     EXPECT_EQ(readSoon(*stream, buffer), -1);
     EXPECT_EQ(stream->state(Millis(0)), ByteStream::State::failed);
     EXPECT_EQ(stream->write(all.first(1)), -1);
+}
+
+TEST(PipeWin32, APipeOfMessagesIsAStreamAsWell) {
+    PipeServer server(PIPE_TYPE_MESSAGE);
+    auto stream = openStream(server.name());
+    ASSERT_EQ(stream->state(Millis(0)), ByteStream::State::open);
+    ASSERT_TRUE(server.accept());
+    std::string sent;
+    std::thread simulator([&] {
+        // Several before anybody reads, then one longer than what is read at once.
+        for (const std::string& message :
+             {std::string("one"), std::string("two"), std::string(200'000, 'm')}) {
+            EXPECT_TRUE(server.send(message.data(), message.size()));
+            sent += message;
+        }
+    });
+    std::string received;
+    std::vector<std::byte> buffer(65536);
+    while (received.size() < 200'006) {
+        const int64_t count = readSoon(*stream, buffer);
+        if (count <= 0) break;
+        received.append(reinterpret_cast<const char*>(buffer.data()), static_cast<size_t>(count));
+    }
+    simulator.join();
+    EXPECT_TRUE(received == sent) << received.size();
+    // What hangs in both directions does not hold up the end.
+    const std::vector<std::byte> much(65536);
+    for (int i = 0; i < 4; ++i) stream->write(much);
+    EXPECT_EQ(stream->read(buffer), 0);
+    const ULONGLONG start = ::GetTickCount64();
+    stream.reset();
+    EXPECT_LT(::GetTickCount64() - start, 1000u);
 }
 
 TEST(PipeWin32, NoServerFailsAndABusyOneIsWaitedFor) {

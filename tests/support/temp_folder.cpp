@@ -20,7 +20,8 @@ namespace fs = std::filesystem;
 void TempFolderTest::SetUp() {
     before_ = fs::current_path();
     std::random_device device;
-    root = fs::temp_directory_path() / ("skl-" + std::to_string(device()) + std::to_string(device()));
+    all_ = fs::temp_directory_path() / ("skl-" + std::to_string(device()) + std::to_string(device()));
+    root = all_ / within;
     fs::create_directories(root / "config");
     fs::create_directories(root / "data");
     fs::create_directories(root / "work");
@@ -42,7 +43,7 @@ void TempFolderTest::TearDown() {
     gf_closeLog();
     fs::current_path(before_);
     std::error_code ignored;
-    fs::remove_all(root.parent_path(), ignored);
+    fs::remove_all(all_, ignored);
 }
 
 void writeFile(const fs::path& path, std::string_view bytes) {

@@ -15,10 +15,11 @@ class TempFolderTest : public ::testing::Test {
   protected:
     void SetUp() override;
     void TearDown() override;
-    std::filesystem::path root;  ///< the working folder during the test
+    std::filesystem::path root;    ///< the working folder during the test
+    std::filesystem::path within;  ///< set before SetUp: a folder more, above all of them
 
   private:
-    std::filesystem::path before_;
+    std::filesystem::path before_, all_;
 };
 
 /// Writes bytes as they are, making the folders on the way.

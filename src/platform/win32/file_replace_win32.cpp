@@ -42,7 +42,8 @@ DWORD moveOver(const fs::path& from, const fs::path& to) {
             return 0;
         const DWORD failure = ::GetLastError();
         const bool mayPass = failure == ERROR_ACCESS_DENIED || failure == ERROR_SHARING_VIOLATION;
-        if (!mayPass || tries == renameTries || fs::is_directory(to)) return failure;
+        std::error_code ignored;
+        if (!mayPass || tries == renameTries || fs::is_directory(to, ignored)) return failure;
         ::Sleep(renamePauseMs);
     }
 }

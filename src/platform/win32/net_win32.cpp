@@ -151,6 +151,13 @@ class WinsockTcpListener : public TcpListener {
     int lastError_ = 0;
 };
 
+/// The system's own 64 KB hold a second of dense traffic, and the simulator may keep all cores busy for
+/// longer. Without the room it works as well.
+void makeRoomForDatagrams(const Socket& socket) {
+    constexpr int size = 1 << 20;
+    ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVBUF, reinterpret_cast<const char*>(&size), sizeof size);
+}
+
 class WinsockNetwork : public Network {
   public:
     std::unique_ptr<UdpSocket> openUdp(uint16_t port, bool loopbackOnly, NetError& error) override {
@@ -158,6 +165,7 @@ class WinsockNetwork : public Network {
         Socket socket(::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
         if (!socket) return fail(error, "socket");
         if (!makeNonBlocking(socket)) return fail(error, "ioctlsocket");
+        makeRoomForDatagrams(socket);
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_port = htons(port);

@@ -69,6 +69,27 @@ StopWatch& stopWatch() {
     return watch;
 }
 
+/// Of the kinds of reparse points, those that lead to another folder: a folder of a cloud drive is one too,
+/// and lies where it says.
+bool isLink(const fs::path& folder) {
+    WIN32_FIND_DATAW data{};
+    const HANDLE search = ::FindFirstFileW(folder.c_str(), &data);
+    if (search == INVALID_HANDLE_VALUE) return false;
+    ::FindClose(search);
+    return (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) &&
+           (data.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT || data.dwReserved0 == IO_REPARSE_TAG_SYMLINK);
+}
+
+/// The long form of a path is the same path as the short one.
+fs::path shortForm(std::wstring text) {
+    constexpr std::wstring_view prefix = L"\\\\?\\", share = L"\\\\?\\UNC\\";
+    if (text.starts_with(share))
+        text.replace(0, share.size(), L"\\\\");
+    else if (text.starts_with(prefix) && text.size() > prefix.size() + 1 && text[prefix.size() + 1] == L':')
+        text.erase(0, prefix.size());
+    return text;
+}
+
 BOOL WINAPI onConsoleSignal(DWORD signal) {
     StopWatch& watch = stopWatch();
     {
@@ -108,6 +129,11 @@ std::unique_ptr<InstanceLock> lockSingleInstance(std::string_view name) {
     return std::make_unique<MutexLock>(std::move(mutex));
 }
 
+void tellLastWords(std::string_view text) {
+    ::MessageBoxW(nullptr, reinterpret_cast<const wchar_t*>(win32::utf8ToUtf16(text).c_str()), L"Skylantern",
+                  UINT{MB_OK} | UINT{MB_ICONERROR});
+}
+
 int lastFileError() {
     return static_cast<int>(::GetLastError());
 }
@@ -122,8 +148,7 @@ void copyOver(const fs::path& from, const fs::path& to, std::error_code& error) 
 fs::path linkTarget(const fs::directory_entry& entry, std::error_code& error) {
     error.clear();
     const fs::path& folder = entry.path();
-    const DWORD attributes = ::GetFileAttributesW(folder.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_REPARSE_POINT)) return {};
+    if (!isLink(folder)) return {};
     const Handle opened(::CreateFileW(folder.c_str(), 0,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                       OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
@@ -137,11 +162,7 @@ fs::path linkTarget(const fs::directory_entry& entry, std::error_code& error) {
         return {};
     }
     text.resize(count);
-    // The long form of a path on a drive is the same path as the short one.
-    constexpr std::wstring_view prefix = L"\\\\?\\";
-    if (text.starts_with(prefix) && text.size() > prefix.size() + 1 && text[prefix.size() + 1] == L':')
-        text.erase(0, prefix.size());
-    return text;
+    return shortForm(std::move(text));
 }
 
 void watchStopSignals(std::function<void()> onStop) {

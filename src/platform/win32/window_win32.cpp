@@ -25,18 +25,18 @@ constexpr int tipWidth = 400;  // a longer tip has several lines
 constexpr unsigned iconId = 100, applicationIcon = 32512, arrowCursor = 32512;
 // The children are left out of the paint: nothing of theirs flickers.
 constexpr DWORD windowStyle = WS_CAPTION | WS_SYSMENU | WS_CLIPCHILDREN;
-/// At the session's end the system ends the process once the message is answered: so long the run has for its
-/// end in order, below the 5 s after which a window counts as hanging.
-constexpr DWORD sessionEndMs = 3000;
+constexpr UINT_PTR heldUpTimer = 1;
+constexpr UINT heldUpMs = 50;
 
 /// One factor for everything, in quarters, so that lines stay crisp.
 Scale chooseScale() {
     return Scale{std::clamp(std::round(::GetDpiForSystem() / normalDpi * 4) / 4, 1.0, 3.0)};
 }
 
+/// Not shared: what the system keeps under the name may be of the other size.
 HICON loadIcon(int size) {
     const auto icon =
-        ::LoadImageW(::GetModuleHandleW(nullptr), resourceName(iconId), IMAGE_ICON, size, size, LR_SHARED);
+        ::LoadImageW(::GetModuleHandleW(nullptr), resourceName(iconId), IMAGE_ICON, size, size, 0);
     return icon ? static_cast<HICON>(icon) : ::LoadIconW(nullptr, resourceName(applicationIcon));
 }
 
@@ -220,10 +220,19 @@ class WindowWin32 : public Window {
             case WM_CLOSE:
                 events_.closed();
                 return 0;
+            case WM_ENTERSIZEMOVE:
+            case WM_ENTERMENULOOP:
+                ::SetTimer(window_, heldUpTimer, heldUpMs, nullptr);
+                return std::nullopt;
+            case WM_EXITSIZEMOVE:
+            case WM_EXITMENULOOP:
+                ::KillTimer(window_, heldUpTimer);
+                return std::nullopt;
+            case WM_TIMER:
+                events_.heldUp();
+                return 0;
             case WM_ENDSESSION:
-                if (!first) return 0;
-                events_.closed();
-                ::Sleep(sessionEndMs);
+                if (first) events_.sessionEnds();
                 return 0;
             default:
                 return std::nullopt;
