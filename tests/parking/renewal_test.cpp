@@ -1,4 +1,6 @@
 // What stays, goes and comes at a renewal, and when there is one.
+#include "core/messages.h"
+#include "core/parameters.h"
 #include "core/random.h"
 #include "core/run_sequence.h"
 #include "panel/controls.h"
@@ -207,6 +209,18 @@ TEST_F(RenewalTest, TheCycleRenewsEvery20Minutes) {
     lf_every15Seconds();
     EXPECT_FALSE(lf_renewalUnderWay() || g_renewRequested);
     EXPECT_TRUE(g_rereadParkAirports) << "statics are being worked on";
+    lf_lockStatics(false);
+    for (const char* destination : {"", "EHAM"}) {
+        DESTINATION.set(destination);
+        g_rereadParkAirports = true;
+        gf_enableControl(rereadButton, false);
+        gf_enableControl(DESTINATION, false);
+        gf_clearMessage();
+        lf_every15Seconds();
+        EXPECT_FALSE(g_rereadParkAirports);
+        EXPECT_EQ(g_panel.statusText, "park airports and stands are okay");
+        EXPECT_TRUE(DESTINATION.enabled && rereadButton.enabled == DESTINATION.empty());
+    }
 }
 
 }  // namespace
