@@ -43,9 +43,11 @@ void require(bool holds, std::string_view what) {
     if (!holds) throw std::runtime_error(std::string(what));
 }
 
-WorkFolder::WorkFolder() : before_(fs::current_path()) {
+WorkFolder::WorkFolder(bool inMemory) : before_(fs::current_path()) {
+    const fs::path memory = "/dev/shm";
+    const fs::path base = inMemory && fs::is_directory(memory) ? memory : fs::temp_directory_path();
     std::random_device random;
-    do path_ = fs::temp_directory_path() / fmt::format("skl-bench-{:08x}", random());
+    do path_ = base / fmt::format("skl-bench-{:08x}", random());
     while (!fs::create_directory(path_));
     fs::current_path(path_);
     require(!lf_skipPath(gf_pathText(path_)), "the temporary folder has a name that the livery scan skips");

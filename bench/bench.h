@@ -97,7 +97,8 @@ void require(bool holds, std::string_view what);
 /// A fresh working folder, left and removed at the end.
 class WorkFolder {
   public:
-    WorkFolder();
+    /// `inMemory`: where the system has a file system of that kind, for what is not to measure the disk.
+    explicit WorkFolder(bool inMemory = false);
     ~WorkFolder();
     WorkFolder(const WorkFolder&) = delete;
     WorkFolder& operator=(const WorkFolder&) = delete;
