@@ -33,10 +33,10 @@ export SKYLANTERN_WINDOWS_LIBRARIES
 
 cmake --preset windows -DSKYLANTERN_TESTS=$tests -DSKYLANTERN_BENCH=$bench "-DSKYLANTERN_SITE_BASE=$site" >/dev/null
 cmake --build --preset windows | tail -n 1
-# The data are enciphered by a program of this system.
-cmake --preset release >/dev/null
-cmake --build --preset release --target datakit | tail -n 1
-datakit=$PWD/build/release/datakit
+# The data are enciphered by a program of this system; of the build that the tests use as well.
+cmake --preset debug >/dev/null
+cmake --build --preset debug --target datakit | tail -n 1
+datakit=$PWD/build/debug/datakit
 
 version=$(sed -n 's/^project(.* VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)
 name=Skylantern-$version-windows
@@ -73,7 +73,6 @@ if [ $tests = ON ]; then
     # The desktop of wine must begin on the screen that the windows of the tests are to open on.
     (cd $build && xvfb-run -a bash -c \
         'wineserver -k; wineboot -i >/dev/null 2>&1; ctest --output-on-failure --timeout 240 -j 2')
-    cmake --preset debug >/dev/null
     cmake --build --preset debug --target simulator realtraffic | tail -n 1
     env -u WINEPREFIX python3 tests/e2e/windows.py "dist/$name.zip" build/debug
 fi

@@ -129,6 +129,13 @@ def run(world, picture):
     world.check(second.wait() != 0, "a second start ends at once")
     world.check(program.running(), "and leaves the first alone")
 
+    # Another simulator and back: the run begins anew, and the link's port is free for it.
+    for key, name in (("Down", "MSFS 2024"), ("Up", "MSFS 2020")):
+        screen.click(left + 50, top + 125)
+        screen.keys(key, "Return")
+        world.wait_for_log(f"Switching Simulator to {name}")
+    world.wait_for_log("RealTraffic connected", 2)
+
     screen.close_button()
     world.check(program.wait() == 0, "exit status 0")
     world.check("Exiting: USER CLOSED SIM" in world.log(), "an orderly end")
