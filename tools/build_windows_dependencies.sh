@@ -19,6 +19,11 @@ fail() {
     say "$0: $*"
     exit 1
 }
+# Status 69: nothing is wrong here, but what has to be fetched is out of reach.
+unreachable() {
+    say "$0: $*"
+    exit 69
+}
 
 for tool in $compiler cmake ninja autoreconf dpkg-source apt-get; do
     command -v $tool >/dev/null || fail "$tool is missing; ./build-windows.sh installs what is needed"
@@ -30,7 +35,7 @@ make_private_apt() {
     mkdir -p "$apt/lists/partial" "$apt/archives/partial" "$apt/parts"
     apt-get indextargets --format 'deb-src $(REPO_URI) $(CODENAME) $(COMPONENT)' \
         'Created-By: Packages' 'Origin: Debian' | sort -u >"$apt/sources.list"
-    [ -s "$apt/sources.list" ] || fail "apt knows no source of Debian"
+    [ -s "$apt/sources.list" ] || unreachable "apt knows no source of Debian"
     cat >"$apt/apt.conf" <<END
 Dir::Etc::sourcelist "$apt/sources.list";
 Dir::Etc::sourceparts "$apt/parts";
@@ -65,7 +70,7 @@ make_private_apt
 if [ -z "$(find "$root/apt/updated" -mtime -1 2>/dev/null)" ]; then
     apt-get update -qq >&2 && touch "$root/apt/updated" || say "The lists of sources could not be renewed"
 fi
-versions=$(versions_of_all) || fail "Debian's lists of sources are not there"
+versions=$(versions_of_all) || unreachable "Debian's lists of sources are not there"
 prefix=$root/$(sha256sum <<<"$versions" | cut -c 1-16)
 if [ -f "$prefix/complete" ]; then
     echo "$prefix"
@@ -84,7 +89,7 @@ log=$root/build.log
 fetch() {
     local version
     version=$(source_version "$1")
-    apt-get source -qq "$1=$version" >>"$log" 2>&1 || fail "$1 could not be fetched, see $log"
+    apt-get source -qq "$1=$version" >>"$log" 2>&1 || unreachable "$1 could not be fetched, see $log"
     local folder
     folder=$(find . -maxdepth 1 -type d -name "$1-*" | head -1)
     cp "$folder/debian/copyright" "$prefix/licences/$1.txt"
@@ -111,13 +116,18 @@ build_libsodium() {
     say "  $folder"
 }
 
-folder=$(fetch libsodium) && build_libsodium "$folder"
-folder=$(fetch pugixml) && with_cmake "$folder" -DPUGIXML_BUILD_TESTS=OFF
-folder=$(fetch fmtlib) && with_cmake "$folder" -DFMT_TEST=OFF -DFMT_DOC=OFF
-folder=$(fetch libzip) && with_cmake "$folder" -DENABLE_BZIP2=OFF -DENABLE_LZMA=OFF -DENABLE_ZSTD=OFF -DENABLE_OPENSSL=OFF \
+folder=$(fetch libsodium)
+build_libsodium "$folder"
+folder=$(fetch pugixml)
+with_cmake "$folder" -DPUGIXML_BUILD_TESTS=OFF
+folder=$(fetch fmtlib)
+with_cmake "$folder" -DFMT_TEST=OFF -DFMT_DOC=OFF
+folder=$(fetch libzip)
+with_cmake "$folder" -DENABLE_BZIP2=OFF -DENABLE_LZMA=OFF -DENABLE_ZSTD=OFF -DENABLE_OPENSSL=OFF \
     -DENABLE_GNUTLS=OFF -DENABLE_MBEDTLS=OFF -DENABLE_COMMONCRYPTO=OFF -DENABLE_WINDOWS_CRYPTO=OFF \
     -DBUILD_TOOLS=OFF -DBUILD_REGRESS=OFF -DBUILD_EXAMPLES=OFF -DBUILD_DOC=OFF
-folder=$(fetch curl) && with_cmake "$folder" -DHTTP_ONLY=ON -DCURL_USE_SCHANNEL=ON -DCURL_USE_OPENSSL=OFF -DCURL_ZLIB=OFF \
+folder=$(fetch curl)
+with_cmake "$folder" -DHTTP_ONLY=ON -DCURL_USE_SCHANNEL=ON -DCURL_USE_OPENSSL=OFF -DCURL_ZLIB=OFF \
     -DCURL_USE_LIBSSH2=OFF -DCURL_USE_LIBSSH=OFF -DUSE_LIBIDN2=OFF -DUSE_WIN32_IDN=OFF -DCURL_USE_LIBPSL=OFF \
     -DBUILD_CURL_EXE=OFF -DBUILD_TESTING=OFF -DENABLE_MANUAL=OFF -DENABLE_UNICODE=ON -DUSE_NGHTTP2=OFF
 

@@ -121,6 +121,29 @@ def register(scenario, recording, feed_line):
         world.check(program.wait() == 0, "exit status 0")
 
     @scenario
+    def the_panel_after_the_wrong_simulator(world):
+        """The error says to select the right one in the list, and that does it; the link is taken up again."""
+        screen = world.screen()
+        world.settings["SIM_CHOICE"] = "MSFS 2024"
+        world.write_parameters()
+        world.simulator()
+        program = world.program()
+        world.real_traffic(recording())
+        for time in (1, 2):
+            world.wait_for_log("Error 71: MSFS 2020 is running ...", time)
+            shows(world, screen, "wrong-simulator", sim=RED, message=RED)
+            screen.click(50, 125)
+            screen.keys("Up", "Return")
+            saved(world, "SIM_CHOICE", "MSFS 2020")
+            world.wait_for_log("RealTraffic connected", time)
+            if time == 1:
+                screen.click(50, 125)
+                screen.keys("Down", "Return")
+                world.wait_for_log("Switching Simulator to MSFS 2024")
+        program.signal()
+        world.check(program.wait() == 0, "exit status 0")
+
+    @scenario
     def the_panel_on_a_dense_screen(world):
         """Twice the density is twice the size; a display that goes away ends the program in order."""
         screen = world.screen(density=192, scale=2)
