@@ -11,6 +11,7 @@ compiler=$triplet-gcc-posix
 recipe=1 # to be raised when the way a library is built changes
 sources=(libsodium libzip curl pugixml fmtlib)
 headers=(nlohmann-json3-dev libmsgsl-dev)
+release=$(. /etc/os-release && echo "$VERSION_CODENAME")
 root=${XDG_CACHE_HOME:-$HOME/.cache}/skylantern-windows
 jobs=${SKYLANTERN_JOBS:-$(nproc)}
 
@@ -89,7 +90,9 @@ log=$root/build.log
 fetch() {
     local version
     version=$(source_version "$1")
-    apt-get source -qq "$1=$version" >>"$log" 2>&1 || unreachable "$1 could not be fetched, see $log"
+    # What has gone from one of the archives may lie in that of the release as well.
+    apt-get source -qq "$1=$version" >>"$log" 2>&1 || apt-get source -qq "$1/$release" >>"$log" 2>&1 ||
+        unreachable "$1 could not be fetched, see $log"
     local folder
     folder=$(find . -maxdepth 1 -type d -name "$1-*" | head -1)
     cp "$folder/debian/copyright" "$prefix/licences/$1.txt"
