@@ -64,7 +64,7 @@ std::string findIn(const fs::path& folder, const std::string& code) {
 /// Whether the system takes it in a name; on Windows a colon would even begin the name of something else.
 bool fitsName(char c) {
     constexpr std::string_view never = fs::path::preferred_separator == '\\' ? "/\\<>:\"|?*" : "/\\";
-    return static_cast<unsigned char>(c) >= 0x20 && c != 0x7f && never.find(c) == std::string_view::npos;
+    return !gf_isControl(c) && never.find(c) == std::string_view::npos;
 }
 
 /// As the name of one folder: a publisher comes out of a file that anybody may have written.

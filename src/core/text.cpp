@@ -80,6 +80,11 @@ bool gf_parseBool(std::string_view text) {
     return !text.empty() && std::string_view("1tTyY").find(text.front()) != std::string_view::npos;
 }
 
+bool gf_isControl(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < 0x20 || byte == 0x7f;
+}
+
 std::string gf_pathText(const std::filesystem::path& path) {
     try {
         const std::u8string text = path.is_absolute() ? path.u8string() : path.generic_u8string();

@@ -25,6 +25,8 @@ size_t gf_countCharacters(std::string_view utf8);
 std::string_view gf_plural(uint64_t count);
 /// True when the first character is one of 1 t T y Y.
 bool gf_parseBool(std::string_view text);
+/// Whether the ASCII character controls instead of showing: it would end a line, or be no name of a file.
+bool gf_isControl(char c);
 /// The whole path as UTF-8, with / in one that is not absolute; never throws. Bytes that are no UTF-8 stay as
 /// they are; of a name that has no UTF-8, the ASCII stays.
 std::string gf_pathText(const std::filesystem::path& path);

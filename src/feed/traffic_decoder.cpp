@@ -63,10 +63,7 @@ std::string_view orEmpty(std::string_view text) {
 
 /// Characters that would end a line of the log or of a list that is kept.
 bool holdsControls(std::string_view text) {
-    return std::any_of(text.begin(), text.end(), [](char c) {
-        const auto byte = static_cast<unsigned char>(c);
-        return byte < 0x20 || byte == 0x7f;
-    });
+    return std::any_of(text.begin(), text.end(), gf_isControl);
 }
 
 bool drop(std::atomic<uint64_t>& counter) {

@@ -11,6 +11,7 @@
 #include "core/log.h"
 #include "core/messages.h"
 #include "core/run_state.h"
+#include "core/text.h"
 #include "feed/winsock_text.h"
 #include "panel/panel_state.h"
 
@@ -98,13 +99,7 @@ void UdpReader::fail(std::string_view text) {
 
 std::string lf_printable(std::string_view text) {
     std::string shown(text);
-    std::replace_if(
-        shown.begin(), shown.end(),
-        [](char c) {
-            const auto byte = static_cast<unsigned char>(c);
-            return byte < 0x20 || byte == 0x7f;
-        },
-        '.');
+    std::replace_if(shown.begin(), shown.end(), gf_isControl, '.');
     return shown;
 }
 

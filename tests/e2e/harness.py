@@ -162,6 +162,9 @@ class World:
     def wait_for_log(self, text, count=1, limit=PATIENCE):
         self.wait_for(lambda: self.log().count(text) >= count, f"log line {text!r}, {count} times", limit)
 
+    def wait_for_setting(self, name, value, limit=PATIENCE):
+        self.wait_for(lambda: f'name="{name}" value="{value}"' in self.parameters_text(), f"{name} saved as {value}", limit)
+
     def check(self, condition, what):
         if not condition:
             raise Failure(f"{what}\n--- log\n{self.log()[-3000:]}")

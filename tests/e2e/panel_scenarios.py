@@ -18,8 +18,7 @@ def register(scenario, recording, feed_line):
 
     def saved(world, name, value):
         try:
-            world.wait_for(lambda: f'name="{name}" value="{value}"' in world.parameters_text(),
-                           f"{name} saved as {value}")
+            world.wait_for_setting(name, value)
         except Failure:
             for screen in world.screens:
                 screen.picture(f"not-saved-{name}", world.build / "screenshots")

@@ -16,10 +16,10 @@ os.environ.setdefault("SKYLANTERN_TEST_PATIENCE", "120")  # wine takes its time
 
 import scenarios
 from harness import Failure, World
+from screen import Screen
 
 STRANGE = "Flüge über 飛行"
 MARK = " ü飛"  # behind titles
-ROAMING = "AppData"
 
 
 class WindowsWorld(World):
@@ -33,7 +33,8 @@ class WindowsWorld(World):
         self.folder = self.folder / STRANGE
         self.folder.mkdir()
         env = dict(os.environ, WINEPREFIX=str(self.folder.parent / "wine"), WINEDEBUG="-all", LC_ALL="C.UTF-8")
-        screen = self.screen_for(env)
+        screen = Screen(self.folder, size=(960, 560))
+        env["DISPLAY"] = screen.display
         self.screens.append(screen)
         with zipfile.ZipFile(self.archive) as archive:
             archive.extractall(self.folder)
@@ -42,15 +43,9 @@ class WindowsWorld(World):
         self.env = env
         self.wine("wineboot", "-i")
         for key in ("User Shell Folders", "Shell Folders"):
-            self.wine("wine", "reg", "add", rf"HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\{key}", "/v", ROAMING,
+            self.wine("wine", "reg", "add", rf"HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\{key}", "/v", "AppData",
                       "/d", self.name_of(config), "/f")
         return self.folder / "Skylantern", config, env
-
-    def screen_for(self, env):
-        from screen import Screen
-        screen = Screen(self.folder, size=(960, 560))
-        env["DISPLAY"] = screen.display
-        return screen
 
     def name_of(self, path):
         return "Z:" + str(path).replace("/", "\\")
@@ -86,16 +81,12 @@ def titles(trace):
     return [json.loads(line)["title"] for line in lines if '"op":"create"' in line and line.endswith("}")]
 
 
-def saved(world, name, value):
-    world.wait_for(lambda: f'name="{name}" value="{value}"' in world.parameters_text(), f"{name} saved as {value}")
-
-
 def click_until_saved(world, screen, x, y, name, value):
     """A box cannot be used before the run is that far."""
-    for attempt in range(4):
+    for _ in range(4):
         screen.click(x, y)
         try:
-            return world.wait_for(lambda: f'name="{name}" value="{value}"' in world.parameters_text(), "", 15)
+            return world.wait_for_setting(name, value, 15)
         except Failure:
             continue
     raise Failure(f"no click gives {name} the value {value}\n{world.log()[-2000:]}")
@@ -116,9 +107,9 @@ def run(world, picture):
     click_until_saved(world, screen, left + 754, top + 155, "ALWAYS_ON_TOP", "true")
     screen.click(left + 235, top + 205)
     screen.keys("Up", "Return")
-    saved(world, "MATCHING_DEPTH", 3)
+    world.wait_for_setting("MATCHING_DEPTH", 3)
     screen.enter(left + 240, top + 267, "klm123")
-    saved(world, "BLOCK_CALLSIGN", "KLM123")
+    world.wait_for_setting("BLOCK_CALLSIGN", "KLM123")
 
     simulator = world.simulator("--trace", trace, "--fps", "30")
     world.wait_for_log("Waiting for RealTraffic")
@@ -136,7 +127,7 @@ def run(world, picture):
         before = world.log().count(told)
         screen.click(left + 50, top + 125)
         screen.keys(key, "Return")
-        saved(world, "SIM_CHOICE", name)
+        world.wait_for_setting("SIM_CHOICE", name)
         world.wait_for_log(told, before + 1)
 
     screen.close_button()
@@ -146,7 +137,7 @@ def run(world, picture):
     simulator.signal()
     world.check(simulator.wait() == 0 and not simulator.report()["unknownCalls"], "every call is one of SimConnect's")
     world.check_clean()
-    saved(world, "BLOCK_CALLSIGN", "")  # for this run alone
+    world.wait_for_setting("BLOCK_CALLSIGN", "")  # for this run alone
 
     program = world.program("again")
     world.wait_for(lambda: (world.run_folder / "Log0.txt").exists(), "the log is rotated")
@@ -154,7 +145,7 @@ def run(world, picture):
     screen.close_button()
     world.check(program.wait() == 0, "exit status 0")
     for name, value in (("ALWAYS_ON_TOP", "true"), ("MATCHING_DEPTH", 3), ("MAIN_WINDOW_X", 0)):
-        saved(world, name, value)
+        world.wait_for_setting(name, value)
     return len(titles(trace))
 
 

@@ -72,11 +72,7 @@ void readTypes(SourceFile& file, Database& database) {
     const bool byWake = !table.has(category);
     if (byWake && !table.has(wake))
         throw Failure(table.at().text() + ": has no column 'category', nor 'wake' to take it from");
-    if (byWake)
-        tell(
-            "no column 'category': taken from description and wake, so that business jets and fighters count "
-            "as "
-            "large or light");
+    if (byWake) tell("no column 'category': taken from description and wake: none is Buzjet or HighPerf");
     while (table.next()) {
         const auto code = typeCode(table[type]);
         if (!code) {
